@@ -1,0 +1,10 @@
+# Entry points; everything else lives in scripts/.
+.PHONY: run test bench setup
+run:
+	scripts/run
+test:
+	scripts/test
+bench:
+	scripts/bench
+setup:
+	scripts/setup

@@ -1,0 +1,70 @@
+#include "cli/commands.h"
+
+#include <QCoreApplication>
+#include <QTextStream>
+#include <cstdio>
+
+namespace tavrelune::cli {
+
+const std::vector<Command>& commands()
+{
+    static const std::vector<Command> all{
+        {"probe", "Print duration, size, codec, frame rate and audio of media files as JSON", runProbe},
+    };
+    return all;
+}
+
+namespace {
+
+QString usage()
+{
+    QString text =
+        "Usage: tavrelune [FILE...]\n"
+        "       tavrelune COMMAND [OPTIONS] [ARGUMENTS]\n\n"
+        "Without a command, opens the Tavrelune window (FILEs are added to the batch).\n\n"
+        "Commands:\n";
+    for (const Command& command : commands())
+        text += QString("  %1  %2\n").arg(command.name, -8).arg(command.summary);
+    text += "\nRun 'tavrelune COMMAND --help' for a command's options.\n"
+            "  -h, --help     Show this help\n"
+            "  -v, --version  Show the version\n\n"
+            "Environment:\n"
+            "  TAVRELUNE_TOOLS_DIR  Folder holding the ffmpeg and ffprobe programs to use\n";
+    return text;
+}
+
+}  // namespace
+
+bool isHeadlessInvocation(const QStringList& arguments)
+{
+    if (arguments.isEmpty())
+        return false;
+    const QString& first = arguments.first();
+    if (first == "-h" || first == "--help" || first == "-v" || first == "--version")
+        return true;
+    for (const Command& command : commands())
+        if (command.name == first)
+            return true;
+    return false;
+}
+
+int runHeadless(const QStringList& arguments)
+{
+    QTextStream out(stdout);
+    const QString& first = arguments.value(0);
+    if (first == "-h" || first == "--help") {
+        out << usage();
+        return 0;
+    }
+    if (first == "-v" || first == "--version") {
+        out << "tavrelune " << TAVRELUNE_VERSION << "\n";
+        return 0;
+    }
+    for (const Command& command : commands())
+        if (command.name == first)
+            return command.run(arguments.mid(1));
+    QTextStream(stderr) << "tavrelune: unknown command '" << first << "'\n" << usage();
+    return 2;
+}
+
+}  // namespace tavrelune::cli

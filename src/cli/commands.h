@@ -1,0 +1,34 @@
+// Headless subcommands of the tavrelune executable.
+//
+// Each runs on a QCoreApplication and needs no display. They print results on
+// standard output and errors on standard error, and return the exit status.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <vector>
+
+namespace tavrelune::cli {
+
+struct Command {
+    QString name;
+    QString summary;
+    // Receives the arguments after the command's name.
+    std::function<int(const QStringList& arguments)> run;
+};
+
+// Every subcommand, in the order `--help` lists them.
+const std::vector<Command>& commands();
+
+// True when the arguments (without the program name) ask for a headless
+// run: a subcommand, --help or --version.
+bool isHeadlessInvocation(const QStringList& arguments);
+
+// Runs the subcommand named by the first argument; the application object
+// must exist.
+int runHeadless(const QStringList& arguments);
+
+int runProbe(const QStringList& arguments);
+
+}  // namespace tavrelune::cli

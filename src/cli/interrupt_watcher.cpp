@@ -1,0 +1,59 @@
+#include "cli/interrupt_watcher.h"
+
+#include <csignal>
+#include <stdexcept>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace tavrelune::cli {
+
+namespace {
+// A signal handler can reach only static storage; it writes one byte that the
+// event loop picks up.
+volatile sig_atomic_t signalWriteFd = -1;
+
+void onSignal(int)
+{
+    const char byte = 1;
+    if (signalWriteFd >= 0)
+        [[maybe_unused]] auto written = ::write(signalWriteFd, &byte, 1);
+}
+
+void installHandler(int signalNumber, void (*handler)(int))
+{
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    sigaction(signalNumber, &action, nullptr);
+}
+}  // namespace
+
+InterruptWatcher::InterruptWatcher()
+{
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, fds_) != 0)
+        throw std::runtime_error("cannot create the signal socket pair");
+    signalWriteFd = fds_[0];
+    notifier_ = std::make_unique<QSocketNotifier>(fds_[1], QSocketNotifier::Read);
+    connect(notifier_.get(), &QSocketNotifier::activated, this, [this] {
+        char buffer[16];
+        [[maybe_unused]] auto ignored = ::read(fds_[1], buffer, sizeof buffer);
+        interrupted_ = true;
+        stopSource_.request_stop();
+        Q_EMIT interruptReceived();
+    });
+    installHandler(SIGINT, onSignal);
+    installHandler(SIGTERM, onSignal);
+}
+
+InterruptWatcher::~InterruptWatcher()
+{
+    installHandler(SIGINT, SIG_DFL);
+    installHandler(SIGTERM, SIG_DFL);
+    signalWriteFd = -1;
+    notifier_.reset();
+    ::close(fds_[0]);
+    ::close(fds_[1]);
+}
+
+}  // namespace tavrelune::cli

@@ -1,0 +1,77 @@
+// `tavrelune probe FILE...`: one JSON object per file on standard output.
+#include "cli/commands.h"
+#include "cli/interrupt_watcher.h"
+#include "engine/ffmpeg_service.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTextStream>
+
+#include <qcoro/qcorotask.h>
+
+namespace tavrelune::cli {
+
+namespace {
+
+QJsonObject toJson(const QString& path, const MediaInfo& info)
+{
+    return QJsonObject{
+        {"path", path},
+        {"duration", info.duration},
+        {"width", static_cast<qint64>(info.width)},
+        {"height", static_cast<qint64>(info.height)},
+        {"codecName", info.codecName},
+        {"pixFmt", info.pixFmt},
+        {"fps", info.fps},
+        {"hasAudio", info.hasAudio},
+    };
+}
+
+QCoro::Task<int> probeAll(QStringList paths, std::stop_token stop)
+{
+    FFmpegService service;
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    int status = 0;
+    for (const QString& path : paths) {
+        const QString absolute = QFileInfo(path).absoluteFilePath();
+        try {
+            const MediaInfo info = co_await service.probe(absolute, stop);
+            out << QJsonDocument(toJson(absolute, info)).toJson(QJsonDocument::Compact) << "\n";
+            out.flush();
+        } catch (const FFmpegError& error) {
+            if (error.kind() == FFmpegError::Kind::cancelled)
+                co_return 130;
+            err << "tavrelune: " << path << ": " << error.description() << "\n";
+            err.flush();
+            status = 1;
+        } catch (const Error& error) {
+            err << "tavrelune: " << path << ": " << error.description() << "\n";
+            err.flush();
+            status = 1;
+        }
+    }
+    co_return status;
+}
+
+}  // namespace
+
+int runProbe(const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription("Print the facts of media files as JSON, one object per line.");
+    parser.addHelpOption();
+    parser.addPositionalArgument("FILE", "Media files to probe.", "FILE...");
+    parser.process(QStringList{"tavrelune probe"} + arguments);
+    const QStringList files = parser.positionalArguments();
+    if (files.isEmpty()) {
+        QTextStream(stderr) << "tavrelune probe: no FILE given\n" << parser.helpText();
+        return 2;
+    }
+    InterruptWatcher interrupts;
+    return QCoro::waitFor(probeAll(files, interrupts.stopSource().get_token()));
+}
+
+}  // namespace tavrelune::cli

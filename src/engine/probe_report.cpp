@@ -1,0 +1,160 @@
+#include "engine/probe_report.h"
+
+#include "engine/ffmpeg_error.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMetaType>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace tavrelune::ProbeReport {
+
+QStringList arguments(const QString& path)
+{
+    return {"-v", "error", "-show_entries",
+            "format=duration:stream=codec_type,codec_name,width,height,pix_fmt,r_frame_rate,avg_frame_rate",
+            "-of", "json", path};
+}
+
+namespace {
+
+bool isInteger(const QJsonValue& value)
+{
+    return value.toVariant().metaType().id() == QMetaType::LongLong;
+}
+
+// Whole-string base-10 integer with an optional sign; anything else fails.
+std::optional<int64_t> parseInteger(QStringView text)
+{
+    const QByteArray bytes = text.toUtf8();
+    const char* begin = bytes.constData();
+    const char* end = begin + bytes.size();
+    if (begin != end && *begin == '+')
+        ++begin;
+    if (begin == end || *begin == '+' || (*begin == '-' && begin + 1 == end))
+        return std::nullopt;
+    int64_t result = 0;
+    const auto [stop, error] = std::from_chars(begin, end, result, 10);
+    if (error != std::errc() || stop != end)
+        return std::nullopt;
+    return result;
+}
+
+}  // namespace
+
+std::optional<double> parseDecimal(QStringView text)
+{
+    const QByteArray bytes = text.toUtf8();
+    const char* begin = bytes.constData();
+    const char* end = begin + bytes.size();
+    // strtod accepts one leading '+', which from_chars does not.
+    if (begin != end && *begin == '+')
+        ++begin;
+    if (begin == end || *begin == '+' || (*begin == '-' && begin == bytes.constData() + 1))
+        return std::nullopt;
+    double result = 0;
+    const auto [stop, error] = std::from_chars(begin, end, result, std::chars_format::general);
+    if (stop != end || (error != std::errc() && error != std::errc::result_out_of_range))
+        return std::nullopt;
+    if (error == std::errc::result_out_of_range) {
+        // Like strtod: overflow gives infinity, underflow zero.
+        return std::strtod(bytes.constData(), nullptr);
+    }
+    return result;
+}
+
+double doubleValue(const QJsonValue& value)
+{
+    if (value.isDouble())
+        return value.toDouble();
+    if (value.isString())
+        return parseDecimal(value.toString()).value_or(0.0);
+    return 0.0;
+}
+
+int64_t intValue(const QJsonValue& value)
+{
+    if (value.isDouble()) {
+        if (isInteger(value))
+            return value.toInteger();
+        const double truncated = std::trunc(value.toDouble());
+        // Doubles outside the int64 range (and non-finite ones) give 0.
+        if (!(truncated >= -9223372036854775808.0 && truncated < 9223372036854775808.0))
+            return 0;
+        return static_cast<int64_t>(truncated);
+    }
+    if (value.isString())
+        return parseInteger(value.toString()).value_or(0);
+    return 0;
+}
+
+std::optional<double> frameRate(const QJsonValue& value)
+{
+    if (!value.isString())
+        return std::nullopt;
+    const QString text = value.toString();
+    const QStringList pieces = text.split('/', Qt::SkipEmptyParts);
+    if (pieces.size() == 2) {
+        const auto numerator = parseDecimal(pieces[0]);
+        const auto denominator = parseDecimal(pieces[1]);
+        if (numerator && denominator && *denominator != 0)
+            return *numerator / *denominator;
+    }
+    return parseDecimal(text);
+}
+
+MediaInfo parse(const QString& report)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(report.toUtf8());
+    if (!document.isObject())
+        throw FFmpegError::probeFailed(QStringLiteral("invalid ffprobe output"));
+    const QJsonObject root = document.object();
+
+    const QJsonValue formatValue = root.value("format");
+    const std::optional<QJsonObject> format =
+        formatValue.isObject() ? std::optional(formatValue.toObject()) : std::nullopt;
+
+    QList<QJsonObject> streams;
+    const QJsonValue streamsValue = root.value("streams");
+    if (streamsValue.isArray()) {
+        const QJsonArray array = streamsValue.toArray();
+        bool allObjects = true;
+        for (const QJsonValue& element : array)
+            allObjects = allObjects && element.isObject();
+        if (allObjects)
+            for (const QJsonValue& element : array)
+                streams << element.toObject();
+    }
+
+    std::optional<QJsonObject> video;
+    bool hasAudio = false;
+    for (const QJsonObject& stream : streams) {
+        const QJsonValue type = stream.value("codec_type");
+        if (!video && type.isString() && type.toString() == "video")
+            video = stream;
+        if (type.isString() && type.toString() == "audio")
+            hasAudio = true;
+    }
+
+    MediaInfo info;
+    info.hasAudio = hasAudio;
+    info.duration = format ? doubleValue(format->value("duration")) : 0.0;
+    if (video) {
+        info.width = intValue(video->value("width"));
+        info.height = intValue(video->value("height"));
+        const QJsonValue codec = video->value("codec_name");
+        info.codecName = codec.isString() ? codec.toString() : QStringLiteral("unknown");
+        const QJsonValue pixFmt = video->value("pix_fmt");
+        info.pixFmt = pixFmt.isString() ? pixFmt.toString() : QString();
+        auto rate = frameRate(video->value("r_frame_rate"));
+        if (!rate)
+            rate = frameRate(video->value("avg_frame_rate"));
+        info.fps = rate.value_or(24.0);
+    }
+    return info;
+}
+
+}  // namespace tavrelune::ProbeReport

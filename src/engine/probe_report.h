@@ -1,0 +1,29 @@
+// Reading ffprobe's JSON report into a MediaInfo.
+//
+// The reading is lenient: numbers may arrive as numbers or strings, missing
+// entries get neutral values; only a report that is not a JSON object fails.
+#pragma once
+
+#include "model/media_info.h"
+
+#include <QJsonValue>
+#include <QStringList>
+#include <optional>
+
+namespace tavrelune::ProbeReport {
+
+// The fixed ffprobe arguments for one file.
+QStringList arguments(const QString& path);
+
+// Throws FFmpegError::probeFailed("invalid ffprobe output").
+MediaInfo parse(const QString& report);
+
+// Lenient conversions; an absent value is QJsonValue::Undefined.
+double doubleValue(const QJsonValue& value);
+int64_t intValue(const QJsonValue& value);
+std::optional<double> frameRate(const QJsonValue& value);
+
+// Decimal number in the C locale, whole string, no leading white space.
+std::optional<double> parseDecimal(QStringView text);
+
+}  // namespace tavrelune::ProbeReport

@@ -1,0 +1,66 @@
+// One clip of the batch and its trim arithmetic.
+//
+// Plain value type, copied freely; identity is `id`. Times are seconds,
+// sizes pixels. Derived values are computed on every call, never stored.
+#pragma once
+
+#include <QString>
+#include <QUrl>
+#include <QUuid>
+#include <cstdint>
+#include <optional>
+
+namespace tavrelune {
+
+enum class ClipStatus { ready, converting, done, failed };
+
+struct ClipItem {
+    // Shortest span an effective in or out point keeps from the other end.
+    static constexpr double minimumTrimSpan = 0.12;
+    // Offsets up to this much do not count as a trim.
+    static constexpr double trimTolerance = 0.04;
+
+    ClipItem() = default;
+    // A new clip for a file: fresh identifier, name = last path component.
+    explicit ClipItem(const QUrl& fileUrl);
+
+    QUuid id = QUuid::createUuid();
+    QUrl url;
+    QString name;
+    std::optional<double> duration;
+    std::optional<int64_t> width;
+    std::optional<int64_t> height;
+    std::optional<QString> codecName;
+    std::optional<double> fps;
+    bool hasAudio = true;
+    double exposure = 0;
+    double contrast = 1;
+    double saturation = 1;
+    double temperature = 0;
+    double inPoint = 0;
+    std::optional<double> outPoint;
+    double previewFraction = 0.2;
+    ClipStatus status = ClipStatus::ready;
+    double progress = 0;
+    std::optional<QString> errorMessage;
+    std::optional<QUrl> outputURL;
+
+    bool operator==(const ClipItem&) const = default;
+
+    double effectiveInPoint() const;
+    double effectiveOutPoint() const;
+    std::optional<double> trimmedDuration() const;
+    bool isTrimmed() const;
+    double playheadInWindow() const;
+
+    // "—" when unprobed, "0:12 / 1:05" when trimmed, else "1:05".
+    QString durationLabel() const;
+    // "1920×1080", or empty when either side is unknown.
+    QString resolutionLabel() const;
+
+private:
+    // The duration when present, finite and positive.
+    std::optional<double> usableDuration() const;
+};
+
+}  // namespace tavrelune

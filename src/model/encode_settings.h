@@ -1,0 +1,62 @@
+// Export settings and the choices they are made of.
+//
+// Plain value types; safe to copy between threads. Bitrates are kilobits per
+// second, frame sizes pixels, frame rates frames per second.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <array>
+#include <cstdint>
+#include <optional>
+
+namespace tavrelune {
+
+enum class VideoCodec { h264, hevc };
+
+// Display label and identity ("H.264", "HEVC").
+QString rawValue(VideoCodec codec);
+// Exact match of a raw value only: no trimming, no case folding.
+std::optional<VideoCodec> videoCodecFromRawValue(const QString& raw);
+// The enumeration's case name ("h264", "hevc"), used by job files and options.
+QString caseName(VideoCodec codec);
+std::optional<VideoCodec> videoCodecFromCaseName(const QString& name);
+inline constexpr std::array<VideoCodec, 2> allVideoCodecs{VideoCodec::h264, VideoCodec::hevc};
+
+enum class QualityPreset { high, balanced, small };
+
+QString rawValue(QualityPreset preset);
+std::optional<QualityPreset> qualityPresetFromRawValue(const QString& raw);
+QString caseName(QualityPreset preset);
+std::optional<QualityPreset> qualityPresetFromCaseName(const QString& name);
+inline constexpr std::array<QualityPreset, 3> allQualityPresets{
+    QualityPreset::high, QualityPreset::balanced, QualityPreset::small};
+
+// Megabits per second per megapixel for a preset and codec.
+double bitrateFactor(QualityPreset preset, VideoCodec codec);
+
+// Target video bitrate in kbit/s. Frames smaller than 1280x720 count as
+// 1280x720 (each side raised on its own). Saturates instead of overflowing.
+int64_t bitrateKbps(QualityPreset preset, int64_t width, int64_t height, VideoCodec codec);
+
+struct EncodeSettings {
+    VideoCodec codec = VideoCodec::hevc;
+    QualityPreset quality = QualityPreset::high;
+    bool copyAudio = true;
+    bool removeAudio = false;   // wins over copyAudio
+    bool concatenateClips = false;
+
+    bool operator==(const EncodeSettings&) const = default;
+};
+
+// The common shape every part of a combined export is brought to.
+struct VideoNormalization {
+    int64_t width = 1920;
+    int64_t height = 1080;
+    double fps = 24;
+    bool includeAudio = false;
+
+    bool operator==(const VideoNormalization&) const = default;
+};
+
+}  // namespace tavrelune
