@@ -1,6 +1,7 @@
 // `tavrelune probe FILE...`: one JSON object per file on standard output.
 #include "cli/commands.h"
 #include "cli/interrupt_watcher.h"
+#include "engine/blocking_wait.h"
 #include "engine/ffmpeg_service.h"
 
 #include <QCommandLineParser>
@@ -71,7 +72,7 @@ int runProbe(const QStringList& arguments)
         return 2;
     }
     InterruptWatcher interrupts;
-    return QCoro::waitFor(probeAll(files, interrupts.stopSource().get_token()));
+    return waitForTask(probeAll(files, interrupts.stopSource().get_token()));
 }
 
 }  // namespace tavrelune::cli

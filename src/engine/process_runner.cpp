@@ -77,11 +77,18 @@ void FFmpegService::stopChild(QProcess* process, RunState& state)
     state.cancelFlag = true;
     if (!process || process->state() == QProcess::NotRunning)
         return;
-    process->terminate();
+    // The child leads its own process group, so the signal also reaches
+    // anything it started (a wrapper script's tools, for example).
+    const auto signalGroup = [](QProcess* child, int signalNumber) {
+        const qint64 pid = child->processId();
+        if (pid <= 0 || ::kill(static_cast<pid_t>(-pid), signalNumber) != 0)
+            signalNumber == SIGKILL ? child->kill() : child->terminate();
+    };
+    signalGroup(process, SIGTERM);
     QPointer<QProcess> guarded(process);
-    QTimer::singleShot(killGraceMs_, process, [guarded] {
+    QTimer::singleShot(killGraceMs_, process, [guarded, signalGroup] {
         if (guarded && guarded->state() != QProcess::NotRunning)
-            guarded->kill();
+            signalGroup(guarded.data(), SIGKILL);
     });
 }
 

@@ -16,7 +16,7 @@ struct ClipSpec {
     bool audio = true;
     QString videoCodec = "libx264"; // empty: no video stream at all
     QString audioCodec = "aac";
-    QString pattern = "testsrc2";   // lavfi video source
+    QString pattern = "testsrc2";   // lavfi video source (testsrc keeps odd sizes)
 };
 
 struct ToolResult {
