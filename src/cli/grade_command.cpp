@@ -1,0 +1,152 @@
+// `tavrelune grade INPUT -o OUTPUT [options]`: the still preview's grade
+// applied to an image file, written as PNG.
+#include "cli/commands.h"
+#include "grading/lut_parse_error.h"
+#include "grading/pixel_image.h"
+#include "grading/preview_grader.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QImageWriter>
+#include <QLocale>
+#include <QSaveFile>
+#include <QTextStream>
+#include <cmath>
+
+namespace tavrelune::cli {
+
+namespace {
+
+const QString prefix = QStringLiteral("tavrelune grade: ");
+
+struct NumberOption {
+    QCommandLineOption option;
+    double* target;
+};
+
+// Fills `grade` from the options given; false after printing the reason when
+// a value is not a finite number.
+bool readNumbers(const QCommandLineParser& parser, const std::vector<NumberOption>& options)
+{
+    for (const NumberOption& number : options) {
+        if (!parser.isSet(number.option))
+            continue;
+        const QString text = parser.value(number.option);
+        bool ok = false;
+        const double value = QLocale::c().toDouble(text.trimmed(), &ok);
+        if (!ok || !std::isfinite(value)) {
+            QTextStream(stderr) << prefix << "--" << number.option.names().constFirst() << ": '" << text
+                                << "' is not a number\n";
+            return false;
+        }
+        *number.target = value;
+    }
+    return true;
+}
+
+bool samePath(const QString& a, const QString& b)
+{
+    const QFileInfo first(a);
+    const QFileInfo second(b);
+    if (first.exists() && second.exists())
+        return first.canonicalFilePath() == second.canonicalFilePath();
+    return first.absoluteFilePath() == second.absoluteFilePath();
+}
+
+// Replaces `path` in one step, so a failed write leaves no half file.
+bool writePng(const QImage& image, const QString& path, QString& reason)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        reason = file.errorString();
+        return false;
+    }
+    QImageWriter writer(&file, "png");
+    if (!writer.write(image)) {
+        reason = writer.errorString();
+        file.cancelWriting();
+        return false;
+    }
+    if (!file.commit()) {
+        reason = file.errorString();
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+int runGrade(const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        "Apply the preview grade (exposure, LUT, white balance, contrast, saturation) to a PNG or "
+        "JPEG image and write the result as PNG.");
+    parser.addHelpOption();
+    parser.addPositionalArgument("INPUT", "Image to grade (PNG or JPEG).");
+    const QCommandLineOption output({"o", "output"}, "PNG file to write (replaced if it exists).", "OUTPUT");
+    const QCommandLineOption lut("lut", "3D LUT in .cube format, applied after exposure.", "FILE");
+    GradeValues grade;
+    const std::vector<NumberOption> numbers{
+        {QCommandLineOption("exposure", "Exposure change in stops (default 0).", "E"), &grade.exposure},
+        {QCommandLineOption("contrast", "Contrast factor around mid-grey (default 1).", "C"), &grade.contrast},
+        {QCommandLineOption("saturation", "Saturation factor (default 1).", "S"), &grade.saturation},
+        {QCommandLineOption("temperature", "White-balance shift, ±250 strongest (default 0).", "T"),
+         &grade.temperature},
+    };
+    parser.addOption(output);
+    parser.addOption(lut);
+    for (const NumberOption& number : numbers)
+        parser.addOption(number.option);
+    parser.process(QStringList{"tavrelune grade"} + arguments);
+
+    QTextStream err(stderr);
+    const QStringList inputs = parser.positionalArguments();
+    if (inputs.size() != 1) {
+        err << prefix << (inputs.isEmpty() ? "no INPUT given\n" : "give exactly one INPUT\n") << parser.helpText();
+        return 2;
+    }
+    if (!parser.isSet(output) || parser.value(output).isEmpty()) {
+        err << prefix << "no OUTPUT given (-o OUTPUT)\n" << parser.helpText();
+        return 2;
+    }
+    if (!readNumbers(parser, numbers))
+        return 2;
+    const QString inputPath = inputs.constFirst();
+    const QString outputPath = parser.value(output);
+    if (QFileInfo(outputPath).suffix().compare("png", Qt::CaseInsensitive) != 0) {
+        err << prefix << outputPath << ": OUTPUT must be a .png file\n";
+        return 2;
+    }
+    if (samePath(inputPath, outputPath)) {
+        err << prefix << "OUTPUT is the INPUT file; choose another name\n";
+        return 2;
+    }
+
+    const std::optional<PixelImage> image = PixelImage::load(inputPath);
+    if (!image) {
+        err << prefix << inputPath << ": could not read the image\n";
+        return 1;
+    }
+    PreviewGrader grader;
+    grader.setSourceImage(image->filter);
+    if (parser.isSet(lut)) {
+        try {
+            grader.setLUT(CubeLUT::load(parser.value(lut)));
+        } catch (const LUTParseError& error) {
+            err << prefix << parser.value(lut) << ": " << error.description() << "\n";
+            return 1;
+        }
+    }
+    // No graded image means the grade leaves this image as it is (a neutral
+    // grade without LUT, or a frame one pixel across), as in the preview.
+    const QImage result = grader.render(grade).value_or(image->display);
+    QString reason;
+    if (!writePng(result, outputPath, reason)) {
+        err << prefix << outputPath << ": " << reason << "\n";
+        return 1;
+    }
+    return 0;
+}
+
+}  // namespace tavrelune::cli
