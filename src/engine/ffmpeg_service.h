@@ -11,14 +11,27 @@
 // grace period; children run in their own process group (a terminal's Ctrl-C
 // reaches only this application) and are terminated if this process dies.
 //
+// Encoders: the video encoder of each codec is found once per launch
+// (`detectEncoders`, which the controller starts in the background; a
+// conversion that starts first waits for it). Until then, and when no
+// hardware encoder works, the software encoders are used.
+//
+// Units: times and durations in seconds, sizes in pixels, progress as a
+// fraction from 0 to 1. Paths are local file paths.
+//
 // Ownership: the controller owns one instance for the application's life.
 // Every argument of a coroutine is taken by value, because the caller's
 // temporaries are gone by the time the coroutine resumes.
 #pragma once
 
+#include "engine/clip_conversion.h"
+#include "engine/encoder_detection.h"
 #include "engine/ffmpeg_error.h"
 #include "engine/tool_locator.h"
+#include "engine/video_encoder.h"
+#include "model/encode_settings.h"
 #include "model/media_info.h"
+#include "watermark/watermark_settings.h"
 
 #include <QPointer>
 #include <QProcess>
@@ -26,6 +39,7 @@
 #include <QStringList>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stop_token>
 
 #include <qcoro/qcorotask.h>
@@ -37,6 +51,7 @@ struct RunState;
 class FFmpegService {
 public:
     using LineCallback = std::function<void(const QString& line)>;
+    using ProgressCallback = std::function<void(double fraction)>;
 
     explicit FFmpegService(ToolLocator locator = ToolLocator::fromEnvironment());
     ~FFmpegService();
@@ -61,6 +76,63 @@ public:
     // How long a terminated child may take before it is killed.
     void setKillGracePeriod(int milliseconds) { killGraceMs_ = milliseconds; }
 
+    // --- Encoders ---
+
+    // Lists ffmpeg's encoders and tries each listed hardware encoder on one
+    // frame; keeps the best that works. Runs once per launch: later calls
+    // return at once, or wait for a detection already under way. A broken
+    // ffmpeg leaves the software encoders in place (the conversion then
+    // reports the real problem). Fails only with cancelled.
+    QCoro::Task<void> detectEncoders(std::stop_token stop = {});
+    // Uses these encoders from now on and skips detection.
+    void pinEncoders(EncoderCatalog catalog);
+    void pinSoftwareEncoders() { pinEncoders(EncoderCatalog::software()); }
+    // The encoder a conversion would use now (software until detection ends).
+    VideoEncoder encoder(VideoCodec codec) const { return encoders_.encoder(codec); }
+
+    // --- Export ---
+
+    // Converts one clip to an MP4 file. Copy of the source audio that ffmpeg
+    // refuses for MP4 is retried once with AAC audio (progress then restarts
+    // at 0). Fails with "Output file was not created." when ffmpeg succeeds
+    // without writing. A partly written output is never removed.
+    QCoro::Task<void> convertClip(ClipConversion job, ProgressCallback onProgress,
+                                  std::stop_token stop = {});
+
+    // Joins parts that share one normalization, in order, into `output`:
+    // first by stream copy, then, on any failure but a stop, by re-encoding
+    // at the bitrate for width x height. `duration` is the expected total,
+    // used for progress only. Writes "tavrelune-concat.txt" next to the
+    // output and removes it on every way out.
+    QCoro::Task<void> concatenate(QStringList inputs, QString output, double duration,
+                                  EncodeSettings settings, int64_t width, int64_t height,
+                                  ProgressCallback onProgress, std::stop_token stop = {});
+
+    // Writes the frame at `at` as an 8-bit RGB image `width` pixels wide.
+    // Not a tracked conversion: only `stop` ends it, not cancel().
+    QCoro::Task<void> extractFrame(QString from, double at, QString output, int64_t width,
+                                   std::stop_token stop = {});
+
+    // --- Filter graphs (pure) ---
+
+    // The grade chain: 16-bit RGB, exposure, LUT, white balance, contrast and
+    // saturation (each left out when neutral), the size (even sides, or
+    // fitted and padded to a normalization) and `outputPixelFormat`.
+    static QString filterGraph(std::optional<QString> lutPath, double exposure, double contrast,
+                               double temperature, double saturation,
+                               std::optional<VideoNormalization> normalization,
+                               const QString& outputPixelFormat);
+    // A backslash before every backslash, colon, quote, comma, bracket and
+    // semicolon. That is one level of escaping: enough for the graph parser,
+    // but lut3d parses its options once more, so a LUT path holding a colon,
+    // quote or backslash still fails. Callers stage LUTs under paths free
+    // of those three.
+    static QString escapeFilterPath(const QString& path);
+    // Input 0 graded with `grade` (which must end in gbrp16le), input 1
+    // overlaid at the clamped placement, output "[vout]" in yuv420p.
+    static QString watermarkFilterComplex(const QString& grade, const WatermarkOverlay& watermark,
+                                          int64_t outputWidth, int64_t outputHeight);
+
 private:
     struct TrackedChild {
         QPointer<QProcess> process;
@@ -68,10 +140,19 @@ private:
     };
 
     void stopChild(QProcess* process, RunState& state);
+    QCoro::Task<bool> encoderWorks(QString ffmpeg, VideoEncoder candidate, std::stop_token stop);
+    QCoro::Task<void> runConversion(QStringList arguments, double duration,
+                                    ProgressCallback onProgress, std::stop_token stop);
+
+    enum class DetectionState { pending, running, settled };
 
     ToolLocator locator_;
     TrackedChild conversion_;
     int killGraceMs_ = 5000;
+    EncoderCatalog encoders_;
+    DetectionState detection_ = DetectionState::pending;
+    std::unique_ptr<EncoderDetectionSignal> detectionSettled_ =
+        std::make_unique<EncoderDetectionSignal>();
 };
 
 }  // namespace tavrelune

@@ -1,0 +1,121 @@
+#include "engine/clip_conversion.h"
+
+#include "engine/decimal_text.h"
+#include "engine/ffmpeg_service.h"
+
+#include <cmath>
+
+namespace tavrelune {
+
+namespace {
+
+const QStringList reencodedAudio{QStringLiteral("-c:a"), QStringLiteral("aac"),
+                                 QStringLiteral("-ar"), QStringLiteral("48000"),
+                                 QStringLiteral("-ac"), QStringLiteral("2"),
+                                 QStringLiteral("-b:a"), QStringLiteral("192k")};
+
+QStringList audioArguments(const ClipConversion& job)
+{
+    const QString noAudio = QStringLiteral("-an");
+    if (job.settings.removeAudio)
+        return {noAudio};
+    if (job.needsSilence()) {
+        // The silence is the last input: after the watermark when there is one.
+        const QString silence = job.watermark ? QStringLiteral("2:a:0") : QStringLiteral("1:a:0");
+        return QStringList{QStringLiteral("-map"), silence} + reencodedAudio
+            + QStringList{QStringLiteral("-shortest")};
+    }
+    if (!job.hasAudio)
+        return {noAudio};
+    // "?" keeps a clip whose probe was wrong about audio from failing.
+    const QStringList sourceAudio{QStringLiteral("-map"), QStringLiteral("0:a:0?")};
+    if (job.triesAudioCopy())
+        return sourceAudio + QStringList{QStringLiteral("-c:a"), QStringLiteral("copy")};
+    return sourceAudio + reencodedAudio;
+}
+
+}  // namespace
+
+bool ClipConversion::needsSilence() const
+{
+    return !settings.removeAudio && normalization && normalization->includeAudio && !hasAudio;
+}
+
+bool ClipConversion::triesAudioCopy() const
+{
+    return hasAudio && !settings.removeAudio && settings.copyAudio && !normalization && !trim;
+}
+
+QStringList videoEncodingArguments(const VideoEncoder& encoder, VideoCodec codec, int64_t bitrateKbps)
+{
+    QStringList arguments{QStringLiteral("-c:v"), encoder.name,
+                          QStringLiteral("-b:v"), QString::number(bitrateKbps) + QLatin1Char('k')};
+    arguments << encoder.options << QStringLiteral("-pix_fmt") << QStringLiteral("yuv420p");
+    if (codec == VideoCodec::hevc)
+        arguments << QStringLiteral("-tag:v") << QStringLiteral("hvc1");
+    return arguments;
+}
+
+QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& encoder)
+{
+    const int64_t width = job.normalization ? job.normalization->width : job.width;
+    const int64_t height = job.normalization ? job.normalization->height : job.height;
+    const QString pixelFormat = job.watermark ? QStringLiteral("gbrp16le") : QStringLiteral("yuv420p");
+    const QString grade = FFmpegService::filterGraph(job.lutPath, job.exposure, job.contrast,
+                                                     job.temperature, job.saturation,
+                                                     job.normalization, pixelFormat);
+
+    QStringList arguments{QStringLiteral("-nostdin"), QStringLiteral("-hide_banner"),
+                          QStringLiteral("-loglevel"), QStringLiteral("error"), QStringLiteral("-y")};
+    // Seeking before the input is fast; "-t" after it limits the output.
+    if (job.trim && job.startTime > 0.001)
+        arguments << QStringLiteral("-ss") << fixedDecimal(job.startTime, 3);
+    arguments << QStringLiteral("-i") << job.input;
+    if (job.watermark)
+        arguments << QStringLiteral("-i") << job.watermark->imagePath;
+    if (job.needsSilence())
+        arguments << QStringLiteral("-f") << QStringLiteral("lavfi") << QStringLiteral("-i")
+                  << QStringLiteral("anullsrc=channel_layout=stereo:sample_rate=48000");
+    if (job.watermark) {
+        arguments << QStringLiteral("-filter_complex")
+                  << FFmpegService::watermarkFilterComplex(grade, *job.watermark, width, height)
+                  << QStringLiteral("-map") << QStringLiteral("[vout]");
+    } else {
+        arguments << QStringLiteral("-vf") << grade << QStringLiteral("-map") << QStringLiteral("0:v:0");
+    }
+    arguments << videoEncodingArguments(
+        encoder, job.settings.codec,
+        bitrateKbps(job.settings.quality, width, height, job.settings.codec));
+    arguments << QStringLiteral("-sn");
+    if (job.trim && job.duration > 0)
+        arguments << QStringLiteral("-t") << fixedDecimal(job.duration, 3);
+    arguments << audioArguments(job);
+    arguments << QStringLiteral("-movflags") << QStringLiteral("+faststart")
+              << QStringLiteral("-progress") << QStringLiteral("pipe:1")
+              << QStringLiteral("-nostats") << job.output;
+    return arguments;
+}
+
+bool isAudioCopyFailure(const QString& description)
+{
+    const QString text = description.toLower();
+    return text.contains(QLatin1String("audio")) || text.contains(QLatin1String("codec"))
+        || text.contains(QLatin1String("incompatible"));
+}
+
+std::optional<double> progressFraction(QStringView line, double duration)
+{
+    const QLatin1String key("out_time_ms=");
+    if (!(duration > 0) || !line.startsWith(key))
+        return std::nullopt;
+    bool parsed = false;
+    const double microseconds = line.mid(key.size()).toDouble(&parsed);
+    if (!parsed)
+        return std::nullopt;
+    const double fraction = microseconds / 1'000'000.0 / duration;
+    if (std::isnan(fraction))
+        return 0.0;
+    return std::clamp(fraction, 0.0, 1.0);
+}
+
+}  // namespace tavrelune

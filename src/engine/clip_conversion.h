@@ -1,0 +1,66 @@
+// One clip's export job and the ffmpeg arguments that carry it out.
+//
+// Pure functions over value types, safe on any thread. Times are seconds,
+// sizes pixels, paths local file paths passed to ffmpeg as plain arguments.
+#pragma once
+
+#include "engine/video_encoder.h"
+#include "model/encode_settings.h"
+#include "watermark/watermark_settings.h"
+
+#include <QString>
+#include <QStringList>
+#include <QStringView>
+#include <cstdint>
+#include <optional>
+
+namespace tavrelune {
+
+struct ClipConversion {
+    QString input;
+    QString output;  // overwritten if it exists
+    std::optional<QString> lutPath;
+    double exposure = 0;
+    double contrast = 1;
+    double temperature = 0;
+    double saturation = 1;
+    EncodeSettings settings;
+    // Length to convert (the trimmed length when trimmed); drives "-t" and
+    // progress. 0 when unknown.
+    double duration = 0;
+    double startTime = 0;  // the clip's effective in point
+    bool trim = false;     // the clip counts as trimmed
+    int64_t width = 0;
+    int64_t height = 0;
+    bool hasAudio = false;
+    // Present only for the parts of a combined export.
+    std::optional<VideoNormalization> normalization;
+    std::optional<WatermarkOverlay> watermark;
+
+    bool operator==(const ClipConversion&) const = default;
+
+    // A clip without audio gets a silent track so every part of a combined
+    // export has the same streams.
+    bool needsSilence() const;
+    // The source audio is copied unchanged: only for an untrimmed clip
+    // outside a combined export (anything else is re-encoded to one format).
+    bool triesAudioCopy() const;
+};
+
+// The complete ffmpeg argument list, "-nostdin" to the output path.
+QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& encoder);
+
+// "-c:v" ... "-pix_fmt" "yuv420p" (and "-tag:v" "hvc1" for HEVC, which
+// players expect in MP4): shared by conversion and combining.
+QStringList videoEncodingArguments(const VideoEncoder& encoder, VideoCodec codec, int64_t bitrateKbps);
+
+// Whether a failed copy reads like the audio stream did not fit the MP4
+// container (ffmpeg: "Could not find tag for codec ... in stream").
+bool isAudioCopyFailure(const QString& description);
+
+// The fraction done that an "out_time_ms=" progress line reports (the value
+// is in microseconds despite the name), limited to [0, 1]. Nothing for other
+// lines, unreadable values or an unknown duration.
+std::optional<double> progressFraction(QStringView line, double duration);
+
+}  // namespace tavrelune

@@ -1,0 +1,125 @@
+// FFmpegService::filterGraph, escapeFilterPath and watermarkFilterComplex:
+// the grade, size and watermark as ffmpeg filter-graph text.
+#include "engine/ffmpeg_service.h"
+
+#include "engine/decimal_text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tavrelune {
+
+namespace {
+
+// Changes smaller than these are invisible and are left out of the graph,
+// which keeps neutral grades cheap.
+constexpr double gradeEpsilon = 0.001;
+constexpr double temperatureEpsilon = 0.5;
+// The temperature that moves colorbalance to its full range.
+constexpr double temperatureFullScale = 250;
+
+// A value at a threshold leaves its filter out. Slider values are decimal,
+// and 1 - 0.999 comes out a hair above 0.001 in binary, so allow for that.
+bool beyond(double magnitude, double threshold)
+{
+    return magnitude > threshold + 1e-9;
+}
+
+QString gradeValue(double value)
+{
+    return fixedDecimal(value, 4);
+}
+
+QString colorBalance(double temperature)
+{
+    const double shift = std::clamp(temperature / temperatureFullScale, -1.0, 1.0);
+    const QString warm = gradeValue(shift);
+    const QString cool = gradeValue(-shift);
+    return QStringLiteral("colorbalance=rs=%1:rm=%1:rh=%1:bs=%2:bm=%2:bh=%2").arg(warm, cool);
+}
+
+}  // namespace
+
+QString FFmpegService::filterGraph(std::optional<QString> lutPath, double exposure, double contrast,
+                                   double temperature, double saturation,
+                                   std::optional<VideoNormalization> normalization,
+                                   const QString& outputPixelFormat)
+{
+    // 16-bit RGB throughout the grade, so the LUT and the adjustments do not
+    // band; the output format converts once at the end.
+    QStringList filters{QStringLiteral("format=gbrp16le")};
+    if (beyond(std::abs(exposure), gradeEpsilon))
+        filters << QStringLiteral("exposure=exposure=") + gradeValue(exposure);
+    if (lutPath && !lutPath->isEmpty())
+        filters << QStringLiteral("lut3d=file=") + escapeFilterPath(*lutPath)
+                       + QStringLiteral(":interp=tetrahedral");
+    if (beyond(std::abs(temperature), temperatureEpsilon))
+        filters << colorBalance(temperature);
+
+    QStringList eq;
+    if (beyond(std::abs(contrast - 1), gradeEpsilon))
+        eq << QStringLiteral("contrast=") + gradeValue(contrast);
+    if (beyond(std::abs(saturation - 1), gradeEpsilon))
+        eq << QStringLiteral("saturation=") + gradeValue(std::clamp(saturation, 0.0, 3.0));
+    if (!eq.isEmpty())
+        filters << QStringLiteral("eq=") + eq.join(QLatin1Char(':'));
+
+    if (normalization) {
+        const QString width = QString::number(normalization->width);
+        const QString height = QString::number(normalization->height);
+        filters << QStringLiteral("scale=%1:%2:force_original_aspect_ratio=decrease").arg(width, height)
+                << QStringLiteral("pad=%1:%2:(ow-iw)/2:(oh-ih)/2").arg(width, height)
+                << QStringLiteral("setsar=1")
+                << QStringLiteral("fps=") + fixedDecimal(std::clamp(normalization->fps, 1.0, 120.0), 3);
+    } else {
+        // Chroma subsampling needs even sides.
+        filters << QStringLiteral("scale=trunc(iw/2)*2:trunc(ih/2)*2");
+    }
+    filters << QStringLiteral("format=") + outputPixelFormat;
+    return filters.join(QLatin1Char(','));
+}
+
+QString FFmpegService::escapeFilterPath(const QString& path)
+{
+    // Backslash first, so the backslashes added below are not doubled.
+    QString escaped = path;
+    for (const QChar special : {u'\\', u':', u'\'', u',', u'[', u']', u';'})
+        escaped.replace(special, QStringLiteral("\\") + special);
+    return escaped;
+}
+
+QString FFmpegService::watermarkFilterComplex(const QString& grade, const WatermarkOverlay& watermark,
+                                              int64_t outputWidth, int64_t outputHeight)
+{
+    const double videoAspect = static_cast<double>(outputWidth >= 2 ? outputWidth : 1)
+                             / static_cast<double>(outputHeight >= 2 ? outputHeight : 1);
+    const double imageAspect = std::max(watermark.imageAspect, WatermarkSettings::minimumAspect);
+    WatermarkSettings placement;
+    placement.x = watermark.x;
+    placement.y = watermark.y;
+    placement.widthFraction = watermark.widthFraction;
+    placement.opacity = watermark.opacity;
+    placement = placement.clamped(imageAspect, videoAspect);
+
+    const auto w = std::max<int64_t>(
+        roundedToInteger(placement.widthFraction * static_cast<double>(outputWidth)), 2);
+    const auto h = std::max<int64_t>(roundedToInteger(static_cast<double>(w) / imageAspect), 2);
+    // The top-left corner sits at the fractions, but never so far that the
+    // image would cross the right or bottom edge.
+    const int64_t x = std::min(
+        std::max<int64_t>(outputWidth - w, 0),
+        std::max<int64_t>(roundedToInteger(placement.x * static_cast<double>(outputWidth)), 0));
+    const int64_t y = std::min(
+        std::max<int64_t>(outputHeight - h, 0),
+        std::max<int64_t>(roundedToInteger(placement.y * static_cast<double>(outputHeight)), 0));
+
+    QStringList chain{QStringLiteral("format=rgba")};
+    if (placement.opacity < 0.999)
+        chain << QStringLiteral("colorchannelmixer=aa=") + gradeValue(placement.opacity);
+    chain << QStringLiteral("scale=%1:-1:flags=lanczos").arg(w);
+
+    return QStringLiteral("[0:v]") + grade + QStringLiteral("[v];[1:v]") + chain.join(QLatin1Char(','))
+         + QStringLiteral("[wm];[v][wm]overlay=%1:%2:format=auto,format=yuv420p[vout]").arg(x).arg(y);
+}
+
+}  // namespace tavrelune

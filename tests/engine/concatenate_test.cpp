@@ -1,0 +1,82 @@
+#include "engine/concat_job.h"
+#include "export_fixtures.h"
+#include "support/temp_folder.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+namespace tavrelune {
+namespace {
+
+class ConcatenateTest : public ::testing::Test {
+protected:
+    ConcatenateTest() { QDir().mkpath(output.section('/', 0, -2)); }
+
+    std::optional<FFmpegError> join(const QStringList& parts, double duration, std::stop_token stop = {})
+    {
+        service.pinEncoders(test::quickSoftwareEncoders());
+        return test::failureOf(service.concatenate(parts, output, duration, {.codec = VideoCodec::h264},
+                                                   320, 180, [this](double f) { progress.push_back(f); }, stop));
+    }
+    bool listFileExists() const { return QFileInfo::exists(concatListPath(output)); }
+
+    test::TempFolder folder;
+    const QString output = folder.file("out put's [final]; é/all.mp4");
+    FFmpegService service;
+    std::vector<double> progress;
+};
+
+// Differently shaped clips, one silent, converted to one normalization and
+// joined by stream copy.
+TEST_F(ConcatenateTest, PartsOfOneNormalizationJoinToTheSumOfTheirLengths)
+{
+    service.pinEncoders(test::quickSoftwareEncoders());
+    QStringList parts;
+    const test::ClipSpec sources[] = {{.width = 320, .height = 180, .seconds = 1.0},
+                                      {.width = 160, .height = 120, .rate = "30", .seconds = 0.6, .audio = false},
+                                      {.width = 200, .height = 100, .seconds = 0.8}};
+    for (const test::ClipSpec& source : sources) {
+        parts << folder.file(QString("part it's %1.mp4").arg(parts.size()));
+        test::makeClip(parts.last() + ".src.mp4", source);
+        ClipConversion part{.input = parts.last() + ".src.mp4", .output = parts.last(), .duration = source.seconds,
+                            .width = source.width, .height = source.height, .hasAudio = source.audio,
+                            .normalization = VideoNormalization{320, 180, 25, true}};
+        ASSERT_FALSE(test::failureOf(service.convertClip(part, {}, {})));
+    }
+    EXPECT_EQ(join(parts, 2.4), std::nullopt);
+    EXPECT_NEAR(test::probeEntry(output, "duration").toDouble(), 2.4, 1.0 / 25);
+    EXPECT_EQ(test::audioStreamCount(output), 1);
+    EXPECT_FALSE(listFileExists());
+    ASSERT_FALSE(progress.empty());
+    EXPECT_NEAR(progress.back(), 1.0, 0.05);
+}
+
+// MP4 cannot carry PCM audio, so copying fails and the join is re-encoded.
+TEST_F(ConcatenateTest, CopyFailureFallsBackToReencoding)
+{
+    const QString part = folder.file("camera.mov");
+    test::makeClip(part, {.seconds = 0.5, .audioCodec = "pcm_s16le"});
+    EXPECT_EQ(join({part, part}, 1.0), std::nullopt);
+    EXPECT_NEAR(test::probeEntry(output, "duration", "format").toDouble(), 1.0, 0.1);
+    EXPECT_EQ(test::probeEntry(output, "codec_name", "a:0"), "aac");
+    EXPECT_FALSE(listFileExists());
+}
+
+TEST_F(ConcatenateTest, ListFileIsRemovedOnEveryWayOut)
+{
+    EXPECT_EQ(join({}, 1), FFmpegError::conversionFailed("No clips to concatenate."));
+    EXPECT_EQ(join({folder.file("missing.mp4")}, 1).value().kind(), FFmpegError::Kind::conversionFailed);
+    EXPECT_FALSE(listFileExists());
+
+    FFmpegService slow(ToolLocator({test::writeFakeTool(folder.file("b"), "ffmpeg", "exec sleep 30"), {}, {}}));
+    std::stop_source stop;
+    QTimer::singleShot(200, [&] { stop.request_stop(); });
+    EXPECT_EQ(test::failureOf(slow.concatenate({"/p.mp4"}, output, 1, {}, 2, 2, {}, stop.get_token())),
+              FFmpegError::cancelled());
+    EXPECT_FALSE(listFileExists());
+}
+
+}  // namespace
+}  // namespace tavrelune
