@@ -32,8 +32,9 @@ void makeClip(const QString& path, const ClipSpec& spec)
     const QString secs = QString::number(spec.seconds, 'f', 3);
     if (!spec.videoCodec.isEmpty()) {
         args << "-f" << "lavfi" << "-i"
-             << QString("%1=size=%2x%3:rate=%4:duration=%5")
-                    .arg(spec.pattern).arg(spec.width).arg(spec.height).arg(spec.rate, secs);
+             << QString("%1%6size=%2x%3:rate=%4:duration=%5")
+                    .arg(spec.pattern).arg(spec.width).arg(spec.height).arg(spec.rate, secs,
+                         spec.pattern.contains('=') ? ":" : "=");
     }
     if (spec.audio) {
         args << "-f" << "lavfi" << "-i"

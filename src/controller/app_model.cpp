@@ -1,0 +1,223 @@
+// Construction, published state and derived values of the controller.
+#include "controller/app_model.h"
+
+#include "controller/working_folder.h"
+
+#include <QDir>
+#include <QEventLoop>
+#include <QTimer>
+#include <QStandardPaths>
+
+namespace tavrelune {
+
+namespace {
+
+std::optional<QString> defaultOutputFolder()
+{
+    const QStringList movies = QStandardPaths::standardLocations(QStandardPaths::MoviesLocation);
+    if (movies.isEmpty() || movies.first().isEmpty())
+        return std::nullopt;
+    return QDir(movies.first()).filePath("Tavrelune");
+}
+
+}  // namespace
+
+AppModel::AppModel() : AppModel(Options{}) {}
+
+AppModel::AppModel(Options options)
+    : ffmpeg_(std::move(options.toolLocator)), now_(std::move(options.now))
+{
+    workspace_ = options.workspace ? *options.workspace
+                                   : WorkingFolder::choose(WorkingFolder::currentEnvironment());
+    QDir().mkpath(workspace_);
+    const std::optional<QString> output =
+        options.outputFolder ? *options.outputFolder : defaultOutputFolder();
+    if (output)
+        outputFolder_ = QUrl::fromLocalFile(*output);
+    lastCanConvert_ = canConvert();
+
+    // Player callbacks are wired when the live preview lands; the handlers
+    // exist already (handlePlayerTime, finishClipForPlayAll, ...).
+}
+
+AppModel::~AppModel()
+{
+    // Stop every task and wait (briefly) for them to wind down: their
+    // coroutines resume into this object and its engine, which must still
+    // be alive then.
+    lifetime_.request_stop();
+    convertTask_.request_stop();
+    ffmpeg_.cancel();
+    if (!batchRunning_ && runningProbePasses_ == 0)
+        return;
+    QEventLoop loop;
+    const auto quitWhenIdle = [this, &loop] {
+        if (!batchRunning_ && runningProbePasses_ == 0)
+            loop.quit();
+    };
+    connect(this, &AppModel::batchEnded, &loop, quitWhenIdle);
+    connect(this, &AppModel::probePassEnded, &loop, quitWhenIdle);
+    QTimer::singleShot(15000, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+QImage AppModel::watermarkPreview() const
+{
+    return watermarkImage_ ? watermarkImage_->displayImage() : QImage();
+}
+
+std::optional<ClipItem> AppModel::selectedClip() const
+{
+    if (const auto index = selectedIndex())
+        return clips_[*index];
+    return std::nullopt;
+}
+
+std::optional<int> AppModel::selectedIndex() const
+{
+    if (selectedClipID_.isNull())
+        return std::nullopt;
+    for (int i = 0; i < clips_.size(); ++i)
+        if (clips_[i].id == selectedClipID_)
+            return i;
+    return std::nullopt;
+}
+
+bool AppModel::canConvert() const
+{
+    return !clips_.isEmpty() && !outputFolder_.isEmpty() && !isConverting_;
+}
+
+bool AppModel::watermarkEditable() const
+{
+    return watermark_.isEnabled() && !isConverting_;
+}
+
+double AppModel::previewVideoAspect() const
+{
+    if (const auto clip = selectedClip()) {
+        if (clip->width && clip->height && *clip->width > 0 && *clip->height > 0)
+            return static_cast<double>(*clip->width) / static_cast<double>(*clip->height);
+    }
+    return 16.0 / 9.0;
+}
+
+void AppModel::notifyDerived()
+{
+    if (const bool now = canConvert(); now != lastCanConvert_) {
+        lastCanConvert_ = now;
+        Q_EMIT canConvertChanged();
+    }
+    if (const bool now = watermarkEditable(); now != lastWatermarkEditable_) {
+        lastWatermarkEditable_ = now;
+        Q_EMIT watermarkEditableChanged();
+    }
+}
+
+void AppModel::setClips(QList<ClipItem> clips)
+{
+    if (clips_ == clips)
+        return;
+    clips_ = std::move(clips);
+    Q_EMIT clipsChanged();
+    notifyDerived();
+}
+
+bool AppModel::updateClip(const QUuid& id, const std::function<void(ClipItem&)>& change)
+{
+    for (int i = 0; i < clips_.size(); ++i) {
+        if (clips_[i].id != id)
+            continue;
+        ClipItem updated = clips_[i];
+        change(updated);
+        if (!(updated == clips_[i])) {
+            clips_[i] = std::move(updated);
+            Q_EMIT clipsChanged();
+        }
+        return true;
+    }
+    return false;
+}
+
+void AppModel::setSelectedClipID(const QUuid& id)
+{
+    if (selectedClipID_ == id)
+        return;
+    selectedClipID_ = id;
+    Q_EMIT selectedClipIDChanged();
+}
+
+void AppModel::setLutURL(const QUrl& url)
+{
+    if (lutURL_ == url)
+        return;
+    lutURL_ = url;
+    Q_EMIT lutURLChanged();
+}
+
+void AppModel::setWatermarkSettings(const WatermarkSettings& settings)
+{
+    if (watermark_ == settings)
+        return;
+    watermark_ = settings;
+    Q_EMIT watermarkChanged();
+    notifyDerived();
+}
+
+void AppModel::setOutputFolder(const QUrl& folder)
+{
+    if (outputFolder_ == folder)
+        return;
+    outputFolder_ = folder;
+    Q_EMIT outputFolderChanged();
+    notifyDerived();
+}
+
+void AppModel::setSettings(const EncodeSettings& settings)
+{
+    if (settings_ == settings)
+        return;
+    settings_ = settings;
+    Q_EMIT settingsChanged();
+}
+
+void AppModel::setIsConverting(bool converting)
+{
+    if (isConverting_ == converting)
+        return;
+    isConverting_ = converting;
+    Q_EMIT isConvertingChanged();
+    notifyDerived();
+}
+
+void AppModel::setConversionFraction(double fraction)
+{
+    if (conversionFraction_ == fraction)
+        return;
+    conversionFraction_ = fraction;
+    Q_EMIT conversionFractionChanged();
+}
+
+// Every assignment notifies, also of the same text: each step of a batch
+// is a new message even when two clips share a name.
+void AppModel::setStatusMessage(const QString& message)
+{
+    statusMessage_ = message;
+    Q_EMIT statusMessageChanged();
+}
+
+void AppModel::setErrorMessage(const QString& message)
+{
+    errorMessage_ = message;
+    Q_EMIT errorMessageChanged();
+}
+
+void AppModel::setIsPlayingAll(bool playing)
+{
+    if (isPlayingAll_ == playing)
+        return;
+    isPlayingAll_ = playing;
+    Q_EMIT isPlayingAllChanged();
+}
+
+}  // namespace tavrelune

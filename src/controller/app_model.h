@@ -1,0 +1,279 @@
+// The application controller: owns the batch, the choices and every working
+// object, and carries out every user action.
+//
+// Threading: main thread only. Slow work (probing, conversion) runs as
+// coroutines on the main thread that give it up only while they await the
+// engine; they find the controller gone through a QPointer guard and then do
+// nothing. Destroying the controller stops its tasks and their children.
+//
+// Observation: every published field is a Qt property with a change signal.
+// Optional values use Qt's empty forms: a null QUuid, an empty QUrl, a null
+// QImage or a null QString means "none".
+//
+// Ownership: one instance for the application's life, created before the
+// first window and shared by every view. It does not own the DesktopServices
+// it is given.
+#pragma once
+
+#include "controller/batch_plan.h"
+#include "controller/desktop_services.h"
+#include "engine/ffmpeg_service.h"
+#include "grading/live_grade.h"
+#include "grading/preview_grader.h"
+#include "model/clip_item.h"
+#include "model/encode_settings.h"
+#include "preview/preview_clock.h"
+#include "watermark/watermark_image.h"
+#include "watermark/watermark_settings.h"
+
+#include <QDateTime>
+#include <QImage>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QUrl>
+#include <QUuid>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stop_token>
+
+Q_DECLARE_METATYPE(tavrelune::ClipItem)
+Q_DECLARE_METATYPE(tavrelune::WatermarkSettings)
+Q_DECLARE_METATYPE(tavrelune::EncodeSettings)
+
+namespace tavrelune {
+
+// One ffmpeg run that a batch would make, for showing without running.
+struct PlannedCommand {
+    QStringList arguments;  // without the program name
+    QString output;
+};
+
+class AppModel : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QList<tavrelune::ClipItem> clips READ clips NOTIFY clipsChanged)
+    Q_PROPERTY(QUuid selectedClipID READ selectedClipID NOTIFY selectedClipIDChanged)
+    Q_PROPERTY(QUrl lutURL READ lutURL NOTIFY lutURLChanged)
+    Q_PROPERTY(tavrelune::WatermarkSettings watermark READ watermark NOTIFY watermarkChanged)
+    Q_PROPERTY(QImage watermarkPreview READ watermarkPreview NOTIFY watermarkPreviewChanged)
+    Q_PROPERTY(QUrl outputFolder READ outputFolder WRITE setOutputFolder NOTIFY outputFolderChanged)
+    Q_PROPERTY(tavrelune::EncodeSettings settings READ settings WRITE setSettings NOTIFY settingsChanged)
+    Q_PROPERTY(QImage sourcePreview READ sourcePreview NOTIFY sourcePreviewChanged)
+    Q_PROPERTY(QImage gradedPreview READ gradedPreview NOTIFY gradedPreviewChanged)
+    Q_PROPERTY(bool isPreviewing READ isPreviewing NOTIFY isPreviewingChanged)
+    Q_PROPERTY(bool isConverting READ isConverting NOTIFY isConvertingChanged)
+    Q_PROPERTY(double conversionFraction READ conversionFraction NOTIFY conversionFractionChanged)
+    Q_PROPERTY(QString statusMessage READ statusMessage NOTIFY statusMessageChanged)
+    Q_PROPERTY(QString errorMessage READ errorMessage WRITE setErrorMessage NOTIFY errorMessageChanged)
+    Q_PROPERTY(int trimWindowToken READ trimWindowToken NOTIFY trimWindowTokenChanged)
+    Q_PROPERTY(bool isPlayingAll READ isPlayingAll NOTIFY isPlayingAllChanged)
+    Q_PROPERTY(bool canConvert READ canConvert NOTIFY canConvertChanged)
+    Q_PROPERTY(bool watermarkEditable READ watermarkEditable NOTIFY watermarkEditableChanged)
+
+public:
+    struct Options {
+        // Default output folder; none when the desktop reports no videos
+        // folder. Unset: the XDG Videos folder plus "Tavrelune".
+        std::optional<std::optional<QString>> outputFolder;
+        // Working folder; unset: chosen by WorkingFolder.
+        std::optional<QString> workspace;
+        ToolLocator toolLocator = ToolLocator::fromEnvironment();
+        // Clock for the combined file's name.
+        std::function<QDateTime()> now = [] { return QDateTime::currentDateTimeUtc(); };
+    };
+
+    AppModel();
+    explicit AppModel(Options options);
+    ~AppModel() override;
+
+    // --- published state ---
+    const QList<ClipItem>& clips() const { return clips_; }
+    QUuid selectedClipID() const { return selectedClipID_; }
+    QUrl lutURL() const { return lutURL_; }
+    const WatermarkSettings& watermark() const { return watermark_; }
+    QImage watermarkPreview() const;
+    QUrl outputFolder() const { return outputFolder_; }
+    void setOutputFolder(const QUrl& folder);
+    const EncodeSettings& settings() const { return settings_; }
+    void setSettings(const EncodeSettings& settings);
+    QImage sourcePreview() const { return sourcePreview_; }
+    QImage gradedPreview() const { return gradedPreview_; }
+    bool isPreviewing() const { return isPreviewing_; }
+    bool isConverting() const { return isConverting_; }
+    double conversionFraction() const { return conversionFraction_; }
+    QString statusMessage() const { return statusMessage_; }
+    QString errorMessage() const { return errorMessage_; }
+    void setErrorMessage(const QString& message);  // the alert clears it with a null string
+    int trimWindowToken() const { return trimWindowToken_; }
+    bool isPlayingAll() const { return isPlayingAll_; }
+
+    // --- derived ---
+    std::optional<ClipItem> selectedClip() const;
+    std::optional<int> selectedIndex() const;
+    bool canConvert() const;
+    bool watermarkEditable() const;
+    // Width / height of the selected clip's video; 16/9 when unknown.
+    double previewVideoAspect() const;
+
+    // --- owned objects ---
+    FFmpegService& ffmpeg() { return ffmpeg_; }
+    PreviewClock& clock() { return clock_; }
+    LiveGrade& liveGrade() { return liveGrade_; }
+    PreviewClock& trimClock() { return trimClock_; }
+    PreviewGrader& grader() { return grader_; }
+    QString workspace() const { return workspace_; }
+
+    void setDesktopServices(DesktopServices* services) { desktop_ = services; }
+
+    // --- clip list ---
+    void addURLs(const QList<QUrl>& urls);
+    void selectClip(const QUuid& id);
+    void removeClip(const QUuid& id);
+    void removeSelected();
+    // Writes to one clip's record, by identifier; false when it is gone.
+    bool updateClip(const QUuid& id, const std::function<void(ClipItem&)>& change);
+    // Resolves when no probe pass is running (for the command line and tests).
+    QCoro::Task<void> probesFinished();
+
+    // --- batch ---
+    void startConversion();
+    void cancelConversion();
+    void revealOutput();
+    // Resolves when the running batch, if any, has ended.
+    QCoro::Task<void> conversionFinished();
+    // The ffmpeg runs a batch started now would make, without running or
+    // staging anything (staged paths are shown where they would be).
+    std::vector<PlannedCommand> plannedCommands() const;
+
+    // --- adjustments, LUT, choices ---
+    void setLUT(const QUrl& url);
+    void clearLUT();
+    void chooseLUT();
+    void commitLiveGrade();
+    void applyAdjustmentsToAll();
+    void resetAdjustments();
+    void chooseVideos();
+    void chooseOutputFolder();
+
+    // --- watermark ---
+    void setWatermark(const QUrl& url);
+    void chooseWatermark();
+    void clearWatermark();
+    void resetWatermarkPlacement();
+    void updateWatermarkOpacity(double opacity);
+    void updateWatermarkSize(double widthFraction);
+    void updateWatermarkLayout(double x, double y, std::optional<double> widthFraction = std::nullopt);
+
+    // --- preview, play-all and trim (bodies arrive with the live preview) ---
+    void loadSelectedPreview();
+    void clearPreview();
+    void persistPlayhead();
+    void scheduleFrameExtract(bool force);
+    void pushLiveGradeToPreview();
+    void pausePlayback(bool stopPlayAll);
+    void loadTrimPreview();
+    void handlePlayerTime(double seconds);
+    void finishClipForPlayAll();
+    void handleTrimPlayerTime(double seconds);
+    void handleTrimPlaybackEnded();
+
+Q_SIGNALS:
+    void clipsChanged();
+    void selectedClipIDChanged();
+    void lutURLChanged();
+    void watermarkChanged();
+    void watermarkPreviewChanged();
+    void outputFolderChanged();
+    void settingsChanged();
+    void sourcePreviewChanged();
+    void gradedPreviewChanged();
+    void isPreviewingChanged();
+    void isConvertingChanged();
+    void conversionFractionChanged();
+    void statusMessageChanged();
+    void errorMessageChanged();
+    void trimWindowTokenChanged();
+    void isPlayingAllChanged();
+    void canConvertChanged();
+    void watermarkEditableChanged();
+    // The batch task ended (after its final status was written).
+    void batchEnded();
+    // A probe pass ended.
+    void probePassEnded();
+
+private:
+    // Setters that notify only on change.
+    void setClips(QList<ClipItem> clips);
+    void setSelectedClipID(const QUuid& id);
+    void setLutURL(const QUrl& url);
+    void setWatermarkSettings(const WatermarkSettings& settings);
+    void setIsConverting(bool converting);
+    void setConversionFraction(double fraction);
+    void setStatusMessage(const QString& message);
+    void setIsPlayingAll(bool playing);
+    void notifyDerived();
+    // Copies the sliders' four values into a clip record.
+    void applyLiveGrade(ClipItem& clip) const;
+    void refreshPreviewsAfterRemoval();
+    // Asks for one existing file; none when cancelled or no chooser is set.
+    std::optional<QUrl> chooseOneFile(const QString& message, const QSet<QString>& extensions);
+
+    QCoro::Task<void> probePendingClips();
+    QCoro::Task<void> runBatch(QString outputFolder, std::stop_token stop);
+    std::optional<QString> preparedLUTPath(const std::optional<QString>& source = std::nullopt);
+    std::optional<QString> stagedLUTTarget(const QString& source) const;
+    WatermarkOverlay preparedWatermarkOverlay();
+    std::optional<WatermarkOverlay> preparedExportWatermark();
+    WatermarkOverlay overlayFor(const QString& imagePath) const;
+    double watermarkImageAspect() const;
+    void applyProgress(int position, double fraction, int denominator);
+    QString finalStatus(bool cancelled, bool stopped, bool combine) const;
+
+    // Published fields, in declaration order.
+    QList<ClipItem> clips_;
+    QUuid selectedClipID_;
+    QUrl lutURL_;
+    WatermarkSettings watermark_;
+    std::optional<WatermarkImage> watermarkImage_;
+    QUrl outputFolder_;
+    EncodeSettings settings_;
+    QImage sourcePreview_;
+    QImage gradedPreview_;
+    bool isPreviewing_ = false;
+    bool isConverting_ = false;
+    double conversionFraction_ = 0;
+    QString statusMessage_;
+    QString errorMessage_;
+    int trimWindowToken_ = 0;
+    bool isPlayingAll_ = false;
+
+    // Owned objects, in creation order.
+    FFmpegService ffmpeg_;
+    PreviewClock clock_;
+    LiveGrade liveGrade_;
+    PreviewClock trimClock_;
+    PreviewGrader grader_;
+
+    // Private state.
+    std::stop_source convertTask_;  // stop handle of the latest batch task
+    bool batchRunning_ = false;
+    int runningProbePasses_ = 0;
+    std::optional<QString> stagedLUT_;
+    std::optional<QString> stagedWatermark_;
+    std::optional<QString> sourceFrameURL_;
+    bool isScrubbing_ = false;
+    bool isTrimScrubbing_ = false;
+    bool trimEditorVisible_ = false;
+    bool showingOriginal_ = false;
+    bool playAllAfterLoad_ = false;
+    bool consumedPlayAllAdvance_ = false;
+    QString workspace_;
+    std::function<QDateTime()> now_;
+    DesktopServices* desktop_ = nullptr;
+    std::stop_source lifetime_;  // stops every task when the controller goes
+    bool lastCanConvert_ = false;
+    bool lastWatermarkEditable_ = false;
+};
+
+}  // namespace tavrelune

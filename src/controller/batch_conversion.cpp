@@ -1,0 +1,298 @@
+// Converting the batch: one clip after the other, or parts joined into one.
+#include "controller/app_model.h"
+
+#include "controller/output_naming.h"
+#include "engine/concat_job.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include "engine/next_signal.h"
+
+namespace tavrelune {
+
+void AppModel::startConversion()
+{
+    if (!canConvert() || outputFolder_.isEmpty())
+        return;
+    commitLiveGrade();
+    pausePlayback(true);
+    trimClock_.setIsPlaying(false);
+    const QString folder = outputFolder_.toLocalFile();
+    QDir().mkpath(folder);
+
+    setIsConverting(true);
+    setConversionFraction(0);
+    setErrorMessage(QString());
+    QList<ClipItem> reset = clips_;
+    for (ClipItem& clip : reset) {
+        clip.status = ClipStatus::ready;
+        clip.progress = 0;
+        clip.errorMessage.reset();
+    }
+    setClips(std::move(reset));
+
+    convertTask_.request_stop();
+    convertTask_ = std::stop_source();
+    runBatch(folder, convertTask_.get_token());  // runs on; stopped through convertTask_
+}
+
+void AppModel::cancelConversion()
+{
+    convertTask_.request_stop();
+    ffmpeg_.cancel();
+    setIsConverting(false);
+    setStatusMessage(QStringLiteral("Conversion stopped."));
+}
+
+void AppModel::revealOutput()
+{
+    if (outputFolder_.isEmpty() || !desktop_)
+        return;
+    desktop_->showInFileManager(outputFolder_.toLocalFile(), QString());
+}
+
+QCoro::Task<void> AppModel::conversionFinished()
+{
+    QPointer<AppModel> self(this);
+    while (self && batchRunning_)
+        co_await nextSignal(this, &AppModel::batchEnded);
+}
+
+void AppModel::applyProgress(int position, double fraction, int denominator)
+{
+    if (position >= clips_.size())
+        return;
+    updateClip(clips_[position].id, [fraction](ClipItem& clip) { clip.progress = fraction; });
+    setConversionFraction((position + fraction) / denominator);
+}
+
+QString AppModel::finalStatus(bool cancelled, bool stopped, bool combine) const
+{
+    const auto count = [this](ClipStatus status) {
+        return static_cast<int>(std::count_if(clips_.begin(), clips_.end(),
+                                              [status](const ClipItem& clip) { return clip.status == status; }));
+    };
+    const int succeeded = count(ClipStatus::done);
+    const int failed = count(ClipStatus::failed);
+    if (cancelled || (stopped && succeeded == 0 && failed == 0))
+        return QStringLiteral("Conversion stopped.");
+    if (failed > 0)
+        return QStringLiteral("Finished: %1 succeeded, %2 failed.").arg(succeeded).arg(failed);
+    if (combine)
+        return QStringLiteral("Done: combined %1 clips into one video.").arg(succeeded);
+    return QStringLiteral("Done: converted %1 clip%2.").arg(succeeded).arg(succeeded == 1 ? "" : "s");
+}
+
+QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
+{
+    QPointer<AppModel> self(this);
+    batchRunning_ = true;
+    const auto finishTask = [this] {
+        batchRunning_ = false;
+        Q_EMIT batchEnded();
+    };
+
+    const std::optional<QString> lutPath = preparedLUTPath();
+    std::optional<WatermarkOverlay> watermark;
+    try {
+        watermark = preparedExportWatermark();
+    } catch (...) {
+        setIsConverting(false);
+        setErrorMessage(describe(std::current_exception()));
+        setStatusMessage(QStringLiteral("Could not prepare the watermark."));
+        finishTask();
+        co_return;
+    }
+
+    const BatchPlan plan = planBatch(clips_, settings_);
+    const int denominator = plan.progressDenominator();
+    QString partsFolder;
+    if (plan.combine) {
+        partsFolder = QDir(workspace_).filePath(
+            "concat-" + QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
+        QDir().mkpath(partsFolder);
+    }
+    QStringList parts;
+    bool stopped = false;
+
+    for (int position = 0; position < plan.clipCount; ++position) {
+        if (stop.stop_requested() || position >= clips_.size()) {
+            stopped = true;
+            break;
+        }
+        const ClipItem clip = clips_[position];
+        updateClip(clip.id, [](ClipItem& stored) {
+            stored.status = ClipStatus::converting;
+            stored.progress = 0;
+        });
+        setSelectedClipID(clip.id);
+        setStatusMessage((plan.combine ? QStringLiteral("Preparing ") : QStringLiteral("Converting "))
+                         + clip.name + QChar(0x2026));
+
+        const QString output =
+            plan.combine ? QDir(partsFolder).filePath(partFileName(position))
+                         : OutputNaming::uniqueOutputPath(clip.url.toLocalFile(), outputFolder,
+                                                          OutputNaming::existsOnDisk);
+        const ClipConversion job = conversionFor(clip, plan, output, lutPath, watermark, settings_);
+        // Named, not written inside the co_await: GCC 12 destroys a lambda
+        // temporary of a co_await expression twice.
+        const FFmpegService::ProgressCallback onProgress = [self, position, denominator](double fraction) {
+            if (self)
+                self->applyProgress(position, fraction, denominator);
+        };
+        std::exception_ptr failure;
+        try {
+            co_await ffmpeg_.convertClip(job, onProgress, stop);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        if (!self)
+            co_return;
+        if (failure) {
+            stopped = true;
+            // The name was free when chosen, so whatever is there now is this
+            // run's unfinished file.
+            if (!plan.combine)
+                QFile::remove(output);
+            if (stop.stop_requested() || isCancellation(failure)) {
+                updateClip(clip.id, [](ClipItem& stored) { stored.status = ClipStatus::ready; });
+            } else {
+                const QString description = describe(failure);
+                updateClip(clip.id, [&description](ClipItem& stored) {
+                    stored.status = ClipStatus::failed;
+                    stored.errorMessage = description;
+                });
+                setErrorMessage(description);
+            }
+            break;
+        }
+        updateClip(clip.id, [&](ClipItem& stored) {
+            stored.progress = 1;
+            if (plan.combine) {
+                return;
+            }
+            stored.status = ClipStatus::done;
+            stored.outputURL = QUrl::fromLocalFile(output);
+        });
+        if (plan.combine)
+            parts << output;
+        setConversionFraction(double(position + 1) / denominator);
+    }
+
+    if (plan.combine && !stopped && parts.size() == clips_.size()) {
+        setStatusMessage(QStringLiteral("Combining clips") + QChar(0x2026));
+        const QString output =
+            OutputNaming::uniqueCombinedOutputPath(outputFolder, now_(), OutputNaming::existsOnDisk);
+        double sum = 0;
+        for (const ClipItem& clip : clips_)
+            sum += exportDuration(clip);
+        std::exception_ptr failure;
+        const int clipCount = plan.clipCount;
+        const FFmpegService::ProgressCallback onJoinProgress = [self, clipCount](double fraction) {
+            if (self)
+                self->setConversionFraction((clipCount + fraction) / (clipCount + 1));
+        };
+        try {
+            co_await ffmpeg_.concatenate(parts, output, sum, settings_, plan.width, plan.height,
+                                         onJoinProgress, stop);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        if (!self)
+            co_return;
+        QList<ClipItem> joined = clips_;
+        if (!failure) {
+            for (ClipItem& clip : joined) {
+                clip.status = ClipStatus::done;
+                clip.progress = 1;
+                clip.outputURL = QUrl::fromLocalFile(output);
+            }
+            setClips(std::move(joined));
+            setConversionFraction(1);
+        } else if (stop.stop_requested() || isCancellation(failure)) {
+            stopped = true;
+            QFile::remove(output);
+        } else {
+            stopped = true;
+            QFile::remove(output);
+            const QString description = describe(failure);
+            setErrorMessage(description);
+            for (ClipItem& clip : joined) {
+                if (clip.status == ClipStatus::failed)
+                    continue;
+                clip.status = ClipStatus::failed;
+                clip.errorMessage = description;
+            }
+            setClips(std::move(joined));
+        }
+    }
+
+    setIsConverting(false);
+    setStatusMessage(finalStatus(stop.stop_requested(), stopped, plan.combine));
+    if (plan.combine)
+        QDir(partsFolder).removeRecursively();
+    finishTask();
+}
+
+std::optional<QString> AppModel::stagedLUTTarget(const QString& source) const
+{
+    return QDir(workspace_).filePath("active-lut." + QFileInfo(source).suffix().toLower());
+}
+
+std::optional<QString> AppModel::preparedLUTPath(const std::optional<QString>& source)
+{
+    const std::optional<QString> chosen =
+        source ? source : (lutURL_.isEmpty() ? std::nullopt : std::optional(lutURL_.toLocalFile()));
+    if (!chosen)
+        return std::nullopt;
+    if (stagedLUT_ && QFileInfo::exists(*stagedLUT_))
+        return stagedLUT_;
+    const QString target = *stagedLUTTarget(*chosen);
+    QFile::remove(target);
+    if (!QFile::copy(*chosen, target))
+        return chosen;
+    stagedLUT_ = target;
+    return target;
+}
+
+std::vector<PlannedCommand> AppModel::plannedCommands() const
+{
+    std::vector<PlannedCommand> commands;
+    // As startConversion does, the selected clip takes the sliders' values.
+    QList<ClipItem> clips = clips_;
+    if (const auto index = selectedIndex())
+        applyLiveGrade(clips[*index]);
+    const BatchPlan plan = planBatch(clips, settings_);
+    const QString folder = outputFolder_.toLocalFile();
+    std::optional<QString> lutPath;
+    if (!lutURL_.isEmpty())
+        lutPath = stagedLUTTarget(lutURL_.toLocalFile());
+    std::optional<WatermarkOverlay> watermark;
+    if (watermark_.isEnabled())
+        watermark = overlayFor(QDir(workspace_).filePath("active-watermark.png"));
+
+    // Names chosen earlier in the plan are taken, as their files would be.
+    QStringList claimed;
+    const OutputNaming::PathTaken taken = [&claimed](const QString& path) {
+        return claimed.contains(path) || OutputNaming::existsOnDisk(path);
+    };
+    const QString partsFolder = QDir(workspace_).filePath("concat-<batch>");
+    for (int position = 0; position < clips.size(); ++position) {
+        const ClipItem& clip = clips[position];
+        const QString output = plan.combine
+                                   ? QDir(partsFolder).filePath(partFileName(position))
+                                   : OutputNaming::uniqueOutputPath(clip.url.toLocalFile(), folder, taken);
+        claimed << output;
+        const ClipConversion job = conversionFor(clip, plan, output, lutPath, watermark, settings_);
+        commands.push_back({conversionArguments(job, ffmpeg_.encoder(settings_.codec)), output});
+    }
+    if (plan.combine) {
+        const QString output = OutputNaming::uniqueCombinedOutputPath(folder, now_(), taken);
+        const QString list = concatListPath(output);
+        commands.push_back({concatCopyArguments(list, output), output});
+    }
+    return commands;
+}
+
+}  // namespace tavrelune

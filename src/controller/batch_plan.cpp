@@ -1,0 +1,76 @@
+#include "controller/batch_plan.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tavrelune {
+
+namespace {
+
+int64_t evenSide(const std::optional<int64_t>& side, int64_t fallback)
+{
+    const int64_t value = side.value_or(fallback);
+    return std::max<int64_t>(value - value % 2, 2);
+}
+
+}  // namespace
+
+BatchPlan planBatch(const QList<ClipItem>& clips, const EncodeSettings& settings)
+{
+    BatchPlan plan;
+    plan.clipCount = static_cast<int>(clips.size());
+    plan.combine = settings.concatenateClips && clips.size() > 1;
+    if (!clips.isEmpty()) {
+        const ClipItem& first = clips.first();
+        plan.width = evenSide(first.width, 1920);
+        plan.height = evenSide(first.height, 1080);
+        const double fps = first.fps.value_or(24);
+        plan.fps = fps <= 1 || std::isnan(fps) ? 1 : std::min(fps, 120.0);
+    }
+    if (plan.combine) {
+        const bool anyAudio = std::any_of(clips.begin(), clips.end(),
+                                          [](const ClipItem& clip) { return clip.hasAudio; });
+        plan.normalization = VideoNormalization{plan.width, plan.height, plan.fps,
+                                                !settings.removeAudio && anyAudio};
+    }
+    return plan;
+}
+
+double exportDuration(const ClipItem& clip)
+{
+    if (const auto trimmed = clip.trimmedDuration())
+        return *trimmed;
+    return clip.duration.value_or(0.0);
+}
+
+QString partFileName(int position)
+{
+    return QString::asprintf("%03d.mp4", position);
+}
+
+ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const QString& output,
+                             const std::optional<QString>& lutPath,
+                             const std::optional<WatermarkOverlay>& watermark,
+                             const EncodeSettings& settings)
+{
+    ClipConversion job;
+    job.input = clip.url.toLocalFile();
+    job.output = output;
+    job.lutPath = lutPath;
+    job.exposure = clip.exposure;
+    job.contrast = clip.contrast;
+    job.temperature = clip.temperature;
+    job.saturation = clip.saturation;
+    job.settings = settings;
+    job.duration = exportDuration(clip);
+    job.startTime = clip.effectiveInPoint();
+    job.trim = clip.isTrimmed();
+    job.width = clip.width.value_or(plan.width);
+    job.height = clip.height.value_or(plan.height);
+    job.hasAudio = clip.hasAudio;
+    job.normalization = plan.normalization;
+    job.watermark = watermark;
+    return job;
+}
+
+}  // namespace tavrelune

@@ -1,0 +1,42 @@
+// The values a batch fixes when it starts, and each clip's export job.
+//
+// Pure functions over value types. The batch and the command line's dry run
+// both build their jobs here, so what is shown is what runs.
+#pragma once
+
+#include "engine/clip_conversion.h"
+#include "model/clip_item.h"
+
+#include <QList>
+#include <optional>
+
+namespace tavrelune {
+
+struct BatchPlan {
+    bool combine = false;      // join the clips into one video
+    int clipCount = 0;
+    int64_t width = 1920;      // target size from the first clip, even, at least 2
+    int64_t height = 1080;
+    double fps = 24;           // from the first clip, limited to [1, 120]
+    std::optional<VideoNormalization> normalization;  // combined mode only
+    // Steps that progress counts: one per clip, plus the joining.
+    int progressDenominator() const { return clipCount + (combine ? 1 : 0); }
+
+    bool operator==(const BatchPlan&) const = default;
+};
+
+BatchPlan planBatch(const QList<ClipItem>& clips, const EncodeSettings& settings);
+
+// Length of a clip's export: its trimmed length, else its length, else 0.
+double exportDuration(const ClipItem& clip);
+
+// File name of the part at `position` in the parts folder: 000.mp4, 001.mp4, ...
+QString partFileName(int position);
+
+// One clip's export job within the batch.
+ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const QString& output,
+                             const std::optional<QString>& lutPath,
+                             const std::optional<WatermarkOverlay>& watermark,
+                             const EncodeSettings& settings);
+
+}  // namespace tavrelune

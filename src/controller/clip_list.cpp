@@ -1,0 +1,160 @@
+// Adding, probing, selecting and removing clips.
+#include "controller/app_model.h"
+
+#include "model/media_type.h"
+
+#include <QDir>
+#include "engine/next_signal.h"
+#include <QFileInfo>
+#include <algorithm>
+
+namespace tavrelune {
+
+namespace {
+
+QUrl standardised(const QUrl& url)
+{
+    const QString path = url.isLocalFile() ? url.toLocalFile() : url.toString();
+    return QUrl::fromLocalFile(QDir::cleanPath(QFileInfo(path).absoluteFilePath()));
+}
+
+}  // namespace
+
+void AppModel::addURLs(const QList<QUrl>& urls)
+{
+    QList<ClipItem> clips = clips_;
+    bool added = false;
+    for (const QUrl& given : urls) {
+        const QUrl url = standardised(given);
+        const QString path = url.toLocalFile();
+        if (MediaType::isLut(path)) {
+            setLUT(url);
+        } else if (MediaType::isWatermark(path)) {
+            setWatermark(url);
+        } else if (MediaType::isVideo(path)) {
+            const bool duplicate = std::any_of(clips.begin(), clips.end(), [&path](const ClipItem& clip) {
+                return clip.url.toLocalFile() == path;
+            });
+            if (!duplicate) {
+                clips << ClipItem(url);
+                added = true;
+            }
+        }
+    }
+    setClips(std::move(clips));
+    if (added && selectedClipID_.isNull() && !clips_.isEmpty())
+        setSelectedClipID(clips_.first().id);
+
+    probePendingClips();  // runs on; the task is not kept
+    loadSelectedPreview();
+    if (trimEditorVisible_)
+        loadTrimPreview();
+}
+
+QCoro::Task<void> AppModel::probePendingClips()
+{
+    QPointer<AppModel> self(this);
+    const std::stop_token stop = lifetime_.get_token();
+    ++runningProbePasses_;
+    const qsizetype count = clips_.size();
+    for (qsizetype position = 0; position < count; ++position) {
+        if (position >= clips_.size())
+            break;
+        const ClipItem clip = clips_[position];
+        if (clip.duration)
+            continue;
+        std::optional<MediaInfo> info;
+        QString failure;
+        try {
+            info = co_await ffmpeg_.probe(clip.url.toLocalFile(), stop);
+        } catch (...) {
+            failure = describe(std::current_exception());
+        }
+        if (!self)
+            co_return;
+        updateClip(clip.id, [&](ClipItem& stored) {
+            if (!info) {
+                stored.errorMessage = failure;
+                return;
+            }
+            stored.duration = info->duration;
+            stored.width = info->width;
+            stored.height = info->height;
+            stored.codecName = info->codecName;
+            stored.fps = info->fps;
+            stored.hasAudio = info->hasAudio;
+            if (stored.outPoint && info->duration < *stored.outPoint)
+                stored.outPoint = info->duration;
+            const double inLimit = std::max(info->duration - ClipItem::minimumTrimSpan, 0.0);
+            if (stored.inPoint > inLimit)
+                stored.inPoint = inLimit;
+        });
+    }
+    --runningProbePasses_;
+
+    if (const auto clip = selectedClip(); clip && clip->duration) {
+        clock_.setSeconds(clip->playheadInWindow());
+        persistPlayhead();
+        if (!clock_.isPlayable())
+            scheduleFrameExtract(true);
+        // A playable clip is seeked by the live player once it exists.
+    }
+    Q_EMIT probePassEnded();
+}
+
+QCoro::Task<void> AppModel::probesFinished()
+{
+    QPointer<AppModel> self(this);
+    while (self && runningProbePasses_ > 0)
+        co_await nextSignal(this, &AppModel::probePassEnded);
+}
+
+void AppModel::selectClip(const QUuid& id)
+{
+    setIsPlayingAll(false);
+    playAllAfterLoad_ = false;
+    consumedPlayAllAdvance_ = false;
+    commitLiveGrade();
+    setSelectedClipID(id);
+    loadSelectedPreview();
+    if (trimEditorVisible_)
+        loadTrimPreview();
+}
+
+void AppModel::refreshPreviewsAfterRemoval()
+{
+    if (clips_.isEmpty())
+        clearPreview();
+    else
+        loadSelectedPreview();
+    if (trimEditorVisible_)
+        loadTrimPreview();
+}
+
+void AppModel::removeClip(const QUuid& id)
+{
+    QList<ClipItem> remaining = clips_;
+    remaining.removeIf([&id](const ClipItem& clip) { return clip.id == id; });
+    setClips(std::move(remaining));
+    if (selectedClipID_ == id)
+        setSelectedClipID(clips_.isEmpty() ? QUuid() : clips_.first().id);
+    refreshPreviewsAfterRemoval();
+}
+
+void AppModel::removeSelected()
+{
+    commitLiveGrade();
+    const auto position = selectedIndex();
+    if (!position)
+        return;
+    QList<ClipItem> remaining = clips_;
+    remaining.removeAt(*position);
+    setClips(std::move(remaining));
+    if (*position < clips_.size())
+        setSelectedClipID(clips_[*position].id);
+    else
+        setSelectedClipID(clips_.isEmpty() ? QUuid() : clips_.last().id);
+    refreshPreviewsAfterRemoval();
+}
+
+}  // namespace tavrelune

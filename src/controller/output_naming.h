@@ -1,0 +1,23 @@
+// Names of the files a batch writes. Existing files are never overwritten:
+// a taken name gets a number.
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <functional>
+
+namespace tavrelune::OutputNaming {
+
+// Whether a path is already used (on disk, or claimed by a planned export).
+using PathTaken = std::function<bool(const QString& path)>;
+
+bool existsOnDisk(const QString& path);
+
+// <folder>/<base>_graded.mp4, then _graded-2.mp4, -3, ... where base is the
+// clip file's name without its extension.
+QString uniqueOutputPath(const QString& clipPath, const QString& folder, const PathTaken& taken);
+
+// <folder>/Tavrelune_<UTC time, ':' as '-'>.mp4, then -2, -3, ...
+QString uniqueCombinedOutputPath(const QString& folder, const QDateTime& now, const PathTaken& taken);
+
+}  // namespace tavrelune::OutputNaming

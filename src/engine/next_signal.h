@@ -1,0 +1,45 @@
+// co_await nextSignal(object, &Class::signal): resumes after the object's
+// next emission of that signal.
+//
+// The resumption is queued on the event loop, never made inside the
+// emission, so the awaiting coroutine may freely destroy or change the
+// sender. If the sender is destroyed first, the coroutine is never resumed:
+// await only objects that outlive the wait. Main thread only.
+#pragma once
+
+#include <QCoreApplication>
+#include <QObject>
+#include <coroutine>
+#include <memory>
+
+namespace tavrelune {
+
+template <typename Sender, typename Signal>
+class NextSignal {
+public:
+    NextSignal(Sender* sender, Signal signal) : sender_(sender), signal_(signal) {}
+
+    bool await_ready() const noexcept { return false; }
+    void await_suspend(std::coroutine_handle<> waiter)
+    {
+        auto connection = std::make_shared<QMetaObject::Connection>();
+        *connection = QObject::connect(sender_, signal_, sender_, [waiter, connection] {
+            QObject::disconnect(*connection);
+            QMetaObject::invokeMethod(QCoreApplication::instance(), [waiter] { waiter.resume(); },
+                                      Qt::QueuedConnection);
+        });
+    }
+    void await_resume() const noexcept {}
+
+private:
+    Sender* sender_;
+    Signal signal_;
+};
+
+template <typename Sender, typename Signal>
+NextSignal<Sender, Signal> nextSignal(Sender* sender, Signal signal)
+{
+    return {sender, signal};
+}
+
+}  // namespace tavrelune

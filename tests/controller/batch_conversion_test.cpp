@@ -1,0 +1,194 @@
+// Whole batches with the real ffmpeg on tiny generated clips.
+#include "controller_fixture.h"
+#include "support/task_helpers.h"
+
+#include <QTimer>
+
+using namespace tavrelune;
+using namespace tavrelune::test;
+
+namespace {
+
+const char* const identityCube =
+    "LUT_3D_SIZE 2\n0 0 0\n1 0 0\n0 1 0\n1 1 0\n0 0 1\n1 0 1\n0 1 1\n1 1 1\n";
+const char* const warmCube =
+    "LUT_3D_SIZE 2\n0.1 0 0\n1 0 0\n0.1 1 0\n1 1 0\n0.1 0 1\n1 0 1\n0.1 1 1\n1 1 1\n";
+
+double durationOf(const QString& path)
+{
+    return probeEntry(path, "duration", "format").toDouble();
+}
+
+}  // namespace
+
+TEST_F(ControllerTest, SeparateFilesAreNamedAfterTheirSourceAndNeverOverwritten)
+{
+    const QString a = clip("a.mov", {.seconds = 0.4});
+    const QString b = clip("b.mp4", {.seconds = 0.4, .audio = false});
+    addAndProbe({a, b});
+    QStringList texts;
+    QObject::connect(model.get(), &AppModel::statusMessageChanged, [&] { texts << model->statusMessage(); });
+
+    convert();
+    EXPECT_EQ(outputNames(), (QStringList{"a_graded.mp4", "b_graded.mp4"}));
+    EXPECT_EQ(texts, (QStringList{QString("Converting a.mov") + QChar(0x2026),
+                                  QString("Converting b.mp4") + QChar(0x2026),
+                                  "Done: converted 2 clips."}));
+    EXPECT_EQ(clipAt(0).status, ClipStatus::done);
+    EXPECT_EQ(clipAt(1).outputURL, QUrl::fromLocalFile(outputFolder() + "/b_graded.mp4"));
+    EXPECT_EQ(model->conversionFraction(), 1.0);
+    EXPECT_FALSE(model->isConverting());
+
+    convert();
+    convert();
+    EXPECT_EQ(outputNames(), (QStringList{"a_graded-2.mp4", "a_graded-3.mp4", "a_graded.mp4",
+                                          "b_graded-2.mp4", "b_graded-3.mp4", "b_graded.mp4"}));
+}
+
+TEST_F(ControllerTest, SameBaseNameFromTwoFoldersGetsANumber)
+{
+    addAndProbe({clip("one/x.mov", {.seconds = 0.3}), clip("two/x.mp4", {.seconds = 0.3})});
+    convert();
+    EXPECT_EQ(outputNames(), (QStringList{"x_graded-2.mp4", "x_graded.mp4"}));
+    EXPECT_EQ(clipAt(1).outputURL, QUrl::fromLocalFile(outputFolder() + "/x_graded-2.mp4"));
+}
+
+TEST_F(ControllerTest, OneClipWithCombineOnIsConvertedSeparately)
+{
+    addAndProbe({clip("solo.mov", {.seconds = 0.3})});
+    EncodeSettings settings = model->settings();
+    settings.concatenateClips = true;
+    model->setSettings(settings);
+    convert();
+    EXPECT_EQ(outputNames(), QStringList{"solo_graded.mp4"});
+    EXPECT_EQ(model->statusMessage(), "Done: converted 1 clip.");
+}
+
+TEST_F(ControllerTest, CombinedBatchJoinsTrimmedPartsInOrder)
+{
+    addAndProbe({clip("p1.mov", {.width = 320, .height = 180, .seconds = 1.0}),
+                 clip("p2.mp4", {.width = 160, .height = 90, .rate = "30", .seconds = 1.0, .audio = false}),
+                 clip("p3.mkv", {.width = 320, .height = 180, .seconds = 1.0})});
+    model->updateClip(clipAt(0).id, [](ClipItem& stored) { stored.inPoint = 0.4; });
+    model->updateClip(clipAt(2).id, [](ClipItem& stored) { stored.outPoint = 0.6; });
+    double expected = 0;
+    for (const ClipItem& each : model->clips())
+        expected += *each.trimmedDuration();
+
+    EncodeSettings settings = model->settings();
+    settings.concatenateClips = true;
+    settings.codec = VideoCodec::h264;
+    model->setSettings(settings);
+    QStringList texts;
+    QList<double> fractions;
+    QObject::connect(model.get(), &AppModel::statusMessageChanged, [&] { texts << model->statusMessage(); });
+    QObject::connect(model.get(), &AppModel::conversionFractionChanged, [&] { fractions << model->conversionFraction(); });
+    convert();
+
+    ASSERT_EQ(outputNames(), QStringList{"Tavrelune_2025-03-07T14-05-09Z.mp4"});
+    const QString combined = outputFolder() + "/" + outputNames().first();
+    EXPECT_NEAR(durationOf(combined), expected, 1.0 / 25 + 0.03);
+    EXPECT_EQ(probeEntry(combined, "width"), "320");
+    EXPECT_EQ(audioStreamCount(combined), 1) << "silence fills the part without audio";
+    EXPECT_EQ(texts.size(), 5);
+    EXPECT_TRUE(texts[0].startsWith("Preparing p1.mov"));
+    EXPECT_EQ(texts[3], QString("Combining clips") + QChar(0x2026));
+    EXPECT_EQ(texts[4], "Done: combined 3 clips into one video.");
+    for (double step : {0.25, 0.5, 0.75, 1.0})
+        EXPECT_TRUE(fractions.contains(step)) << step;
+    for (const ClipItem& each : model->clips()) {
+        EXPECT_EQ(each.status, ClipStatus::done);
+        EXPECT_EQ(each.outputURL, QUrl::fromLocalFile(combined));
+    }
+    EXPECT_TRUE(QDir(workspace()).entryList({"concat-*"}, QDir::Dirs).isEmpty()) << "parts removed";
+}
+
+TEST_F(ControllerTest, AFailingClipEndsTheCombinedBatch)
+{
+    addAndProbe({clip("good1.mov", {.seconds = 0.3}), root.write("bad.mov", "not a movie"),
+                 clip("good2.mov", {.seconds = 0.3})});
+    EncodeSettings settings = model->settings();
+    settings.concatenateClips = true;
+    model->setSettings(settings);
+    convert();
+
+    EXPECT_EQ(clipAt(0).status, ClipStatus::converting) << "its part was made, never joined";
+    EXPECT_EQ(clipAt(1).status, ClipStatus::failed);
+    EXPECT_EQ(clipAt(2).status, ClipStatus::ready);
+    EXPECT_TRUE(clipAt(1).errorMessage.value_or("").contains("Invalid data"));
+    EXPECT_EQ(model->errorMessage(), *clipAt(1).errorMessage);
+    EXPECT_EQ(model->statusMessage(), "Finished: 0 succeeded, 1 failed.");
+    EXPECT_TRUE(outputNames().isEmpty());
+    EXPECT_TRUE(QDir(workspace()).entryList({"concat-*"}, QDir::Dirs).isEmpty());
+}
+
+TEST_F(ControllerTest, StoppingDuringAClipLeavesEveryClipReadyAndNoChild)
+{
+    addAndProbe({clip("long.mov", {.width = 640, .height = 360, .seconds = 20, .videoCodec = "libx264"}),
+                 clip("next.mov", {.seconds = 0.3})});
+    bool stopRequested = false;
+    QObject::connect(model.get(), &AppModel::conversionFractionChanged, [&] {
+        if (!stopRequested && model->conversionFraction() > 0) {
+            stopRequested = true;
+            QTimer::singleShot(0, model.get(), [this] { model->cancelConversion(); });
+        }
+    });
+    convert();
+    EXPECT_TRUE(stopRequested) << "progress was reported";
+    EXPECT_EQ(model->statusMessage(), "Conversion stopped.");
+    EXPECT_EQ(clipAt(0).status, ClipStatus::ready);
+    EXPECT_EQ(clipAt(1).status, ClipStatus::ready);
+    EXPECT_TRUE(model->errorMessage().isNull()) << "a stop is not a failure";
+    EXPECT_FALSE(model->isConverting());
+    EXPECT_TRUE(livingChildren().isEmpty());
+    EXPECT_TRUE(QFile::exists(clipAt(0).url.toLocalFile())) << "the source is untouched";
+    EXPECT_TRUE(outputNames().isEmpty()) << "no half-written file is left behind";
+}
+
+TEST_F(ControllerTest, LookUpTableIsStagedOnceAndAgainAfterANewChoice)
+{
+    const QString lut = root.write("looks/warm.CUBE", warmCube);
+    addAndProbe({clip("a.mov", {.seconds = 0.3, .audio = false}), lut});
+    convert();
+    const QString staged = workspace() + "/active-lut.cube";
+    QFile stagedFile(staged);
+    ASSERT_TRUE(stagedFile.open(QIODevice::ReadOnly));
+    EXPECT_EQ(stagedFile.readAll(), QByteArray(warmCube));
+    stagedFile.close();
+
+    root.write("looks/warm.CUBE", identityCube);
+    convert();
+    ASSERT_TRUE(stagedFile.open(QIODevice::ReadOnly));
+    EXPECT_EQ(stagedFile.readAll(), QByteArray(warmCube)) << "the staged copy is reused";
+    stagedFile.close();
+
+    model->setLUT(QUrl::fromLocalFile(lut));  // the same file, chosen again
+    convert();
+    ASSERT_TRUE(stagedFile.open(QIODevice::ReadOnly));
+    EXPECT_EQ(stagedFile.readAll(), QByteArray(identityCube));
+    EXPECT_EQ(model->statusMessage(), "Done: converted 1 clip.");
+}
+
+TEST_F(ControllerTest, LookUpTableWhosePathFfmpegCannotEscapeExportsThroughTheStagedCopy)
+{
+    const QString lut = root.write("it's a:look\\v2.cube", warmCube);
+    addAndProbe({clip("a.mov", {.seconds = 0.3, .audio = false}), lut});
+    convert();
+    EXPECT_EQ(model->statusMessage(), "Done: converted 1 clip.") << model->errorMessage().toStdString();
+    EXPECT_EQ(clipAt(0).status, ClipStatus::done);
+}
+
+TEST_F(ControllerTest, UnreadableWatermarkStopsTheBatchBeforeTheFirstClip)
+{
+    const QString logo = root.file("logo.png");
+    QImage(40, 20, QImage::Format_ARGB32).save(logo);
+    addAndProbe({clip("a.mov", {.seconds = 0.3}), logo});
+    ASSERT_TRUE(model->watermark().isEnabled());
+    QFile::remove(logo);
+    convert();
+    EXPECT_EQ(model->statusMessage(), "Could not prepare the watermark.");
+    EXPECT_EQ(model->errorMessage(), "Could not read the watermark image.");
+    EXPECT_EQ(clipAt(0).status, ClipStatus::ready);
+    EXPECT_FALSE(model->isConverting());
+    EXPECT_TRUE(outputNames().isEmpty());
+}

@@ -1,0 +1,109 @@
+#include "controller/batch_plan.h"
+#include "controller/output_naming.h"
+
+#include <QDateTime>
+#include <QTimeZone>
+#include <gtest/gtest.h>
+
+using namespace tavrelune;
+
+namespace {
+
+ClipItem probedClip(std::optional<int64_t> width, std::optional<int64_t> height,
+                    std::optional<double> fps, bool hasAudio = true)
+{
+    ClipItem clip(QUrl::fromLocalFile("/c/a.mov"));
+    clip.duration = 10;
+    clip.width = width;
+    clip.height = height;
+    clip.fps = fps;
+    clip.hasAudio = hasAudio;
+    return clip;
+}
+
+}  // namespace
+
+TEST(BatchPlan, CombinedTargetComesFromTheFirstClip)
+{
+    struct Case {
+        std::optional<int64_t> width, height;
+        std::optional<double> fps;
+        int64_t expectedWidth, expectedHeight;
+        double expectedFps;
+    };
+    const Case cases[] = {
+        {1920, 1080, 25, 1920, 1080, 25},
+        {std::nullopt, std::nullopt, std::nullopt, 1920, 1080, 24},
+        {1919, 1081, 30000.0 / 1001, 1918, 1080, 30000.0 / 1001},
+        {1, 0, 240, 2, 2, 120},
+        {640, 480, 0.5, 640, 480, 1},
+    };
+    EncodeSettings settings;
+    settings.concatenateClips = true;
+    for (const Case& c : cases) {
+        const BatchPlan plan = planBatch({probedClip(c.width, c.height, c.fps), probedClip(320, 240, 60)}, settings);
+        ASSERT_TRUE(plan.normalization);
+        EXPECT_EQ(plan.normalization->width, c.expectedWidth);
+        EXPECT_EQ(plan.normalization->height, c.expectedHeight);
+        EXPECT_DOUBLE_EQ(plan.normalization->fps, c.expectedFps);
+        EXPECT_EQ(plan.progressDenominator(), 3);
+    }
+}
+
+TEST(BatchPlan, PartsCarryAudioOnlyWhenSomeClipHasItAndItIsKept)
+{
+    EncodeSettings settings;
+    settings.concatenateClips = true;
+    const auto audioOf = [&settings](bool first, bool second) {
+        return planBatch({probedClip(8, 8, 24, first), probedClip(8, 8, 24, second)}, settings)
+            .normalization->includeAudio;
+    };
+    EXPECT_TRUE(audioOf(false, true));
+    EXPECT_FALSE(audioOf(false, false));
+    settings.removeAudio = true;
+    EXPECT_FALSE(audioOf(true, true));
+
+    settings.removeAudio = false;
+    const BatchPlan single = planBatch({probedClip(8, 8, 24)}, settings);
+    EXPECT_FALSE(single.combine) << "one clip is never combined";
+    EXPECT_FALSE(single.normalization);
+    EXPECT_EQ(single.progressDenominator(), 1);
+}
+
+TEST(BatchPlan, JobTakesTheClipsTrimGradeAndFallbackSize)
+{
+    ClipItem clip = probedClip(std::nullopt, 720, 24, false);
+    clip.inPoint = 2.25;
+    clip.outPoint = 6;
+    clip.exposure = 0.5;
+    clip.temperature = 30;
+    const BatchPlan plan = planBatch({clip}, EncodeSettings{});
+    const ClipConversion job = conversionFor(clip, plan, "/out/a_graded.mp4", QString("/w/active-lut.cube"),
+                                             std::nullopt, EncodeSettings{});
+    EXPECT_EQ(job.input, "/c/a.mov");
+    EXPECT_DOUBLE_EQ(job.startTime, 2.25);
+    EXPECT_DOUBLE_EQ(job.duration, 3.75);
+    EXPECT_TRUE(job.trim);
+    EXPECT_EQ(job.width, 1920) << "unknown width: the batch's target";
+    EXPECT_EQ(job.height, 720);
+    EXPECT_EQ(job.exposure, 0.5);
+    EXPECT_EQ(job.temperature, 30);
+    EXPECT_FALSE(job.hasAudio);
+    EXPECT_EQ(job.lutPath, QString("/w/active-lut.cube"));
+
+    ClipItem unprobed(QUrl::fromLocalFile("/c/b.mov"));
+    EXPECT_EQ(exportDuration(unprobed), 0);
+    EXPECT_EQ(partFileName(0), "000.mp4");
+    EXPECT_EQ(partFileName(12), "012.mp4");
+}
+
+TEST(OutputNaming, NumbersTakenNames)
+{
+    QStringList taken{"/out/a_graded.mp4", "/out/a_graded-2.mp4", "/out/Tavrelune_2025-03-07T14-05-09Z.mp4"};
+    const auto isTaken = [&taken](const QString& path) { return taken.contains(path); };
+    EXPECT_EQ(OutputNaming::uniqueOutputPath("/card/a.mov", "/out", isTaken), "/out/a_graded-3.mp4");
+    EXPECT_EQ(OutputNaming::uniqueOutputPath("/card/b.tar.MOV", "/out", isTaken), "/out/b.tar_graded.mp4");
+    const QDateTime when(QDate(2025, 3, 7), QTime(15, 5, 9), QTimeZone(3600));
+    EXPECT_EQ(OutputNaming::uniqueCombinedOutputPath("/out", when, isTaken),
+              "/out/Tavrelune_2025-03-07T14-05-09Z-2.mp4");
+}

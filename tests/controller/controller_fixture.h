@@ -1,0 +1,92 @@
+// A real controller on real files: private working and output folders in a
+// temporary folder, canned answers for the choosers, and the software
+// encoders so results don't depend on the machine's hardware.
+#pragma once
+
+#include "controller/app_model.h"
+#include "engine/blocking_wait.h"
+#include "support/media_fixtures.h"
+#include "support/temp_folder.h"
+
+#include <QDir>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+namespace tavrelune::test {
+
+class CannedDesktop : public DesktopServices {
+public:
+    QStringList choose(const ChooserRequest& request) override
+    {
+        requests.push_back(request);
+        return answers.isEmpty() ? QStringList() : answers.takeFirst();
+    }
+    void showInFileManager(const QString& folder, const QString& file) override
+    {
+        shown << folder + "|" + file;
+    }
+
+    QList<QStringList> answers;  // one per chooser call; none: cancelled
+    std::vector<ChooserRequest> requests;
+    QStringList shown;
+};
+
+class ControllerTest : public ::testing::Test {
+protected:
+    ControllerTest()
+    {
+        QDir().mkpath(outputFolder());
+        AppModel::Options options;
+        options.outputFolder = std::optional<QString>(outputFolder());
+        options.workspace = workspace();
+        options.toolLocator = ToolLocator::fromEnvironment();
+        options.now = [] { return QDateTime(QDate(2025, 3, 7), QTime(14, 5, 9), Qt::UTC); };
+        model = std::make_unique<AppModel>(options);
+        model->ffmpeg().pinSoftwareEncoders();
+        model->setDesktopServices(&desktop);
+    }
+
+    QString outputFolder() const { return root.path() + "/out"; }
+    QString workspace() const { return root.path() + "/work"; }
+
+    QString clip(const QString& name, const ClipSpec& spec = {})
+    {
+        const QString path = root.file(name);
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        makeClip(path, spec);
+        return path;
+    }
+
+    static QList<QUrl> urls(const QStringList& paths)
+    {
+        QList<QUrl> result;
+        for (const QString& path : paths)
+            result << QUrl::fromLocalFile(path);
+        return result;
+    }
+
+    void addAndProbe(const QStringList& paths)
+    {
+        model->addURLs(urls(paths));
+        waitForTask(model->probesFinished());
+    }
+
+    void convert()
+    {
+        model->startConversion();
+        waitForTask(model->conversionFinished());
+    }
+
+    QStringList outputNames() const
+    {
+        return QDir(outputFolder()).entryList(QDir::Files, QDir::Name);
+    }
+
+    ClipItem clipAt(int position) const { return model->clips().at(position); }
+
+    TempFolder root;
+    CannedDesktop desktop;
+    std::unique_ptr<AppModel> model;
+};
+
+}  // namespace tavrelune::test
