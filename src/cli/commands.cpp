@@ -10,6 +10,8 @@ const std::vector<Command>& commands()
 {
     static const std::vector<Command> all{
         {"probe", "Print duration, size, codec, frame rate and audio of media files as JSON", runProbe},
+        {"grade", "Apply the preview grade and an optional .cube LUT to an image, writing PNG", runGrade},
+        {"convert", "Grade and convert video clips to MP4, one file each or combined", runConvert},
     };
     return all;
 }

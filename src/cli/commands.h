@@ -1,6 +1,7 @@
 // Headless subcommands of the tavrelune executable.
 //
-// Each runs on a QCoreApplication and needs no display. They print results on
+// Each runs on a QGuiApplication on the offscreen platform (watermark
+// images are painted) and needs no display. They print results on
 // standard output and errors on standard error, and return the exit status.
 #pragma once
 
@@ -30,5 +31,7 @@ bool isHeadlessInvocation(const QStringList& arguments);
 int runHeadless(const QStringList& arguments);
 
 int runProbe(const QStringList& arguments);
+int runGrade(const QStringList& arguments);
+int runConvert(const QStringList& arguments);
 
 }  // namespace tavrelune::cli

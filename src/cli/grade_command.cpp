@@ -1,6 +1,7 @@
 // `tavrelune grade INPUT -o OUTPUT [options]`: the still preview's grade
 // applied to an image file, written as PNG.
 #include "cli/commands.h"
+#include "cli/number_options.h"
 #include "grading/lut_parse_error.h"
 #include "grading/pixel_image.h"
 #include "grading/preview_grader.h"
@@ -19,30 +20,6 @@ namespace {
 
 const QString prefix = QStringLiteral("tavrelune grade: ");
 
-struct NumberOption {
-    QCommandLineOption option;
-    double* target;
-};
-
-// Fills `grade` from the options given; false after printing the reason when
-// a value is not a finite number.
-bool readNumbers(const QCommandLineParser& parser, const std::vector<NumberOption>& options)
-{
-    for (const NumberOption& number : options) {
-        if (!parser.isSet(number.option))
-            continue;
-        const QString text = parser.value(number.option);
-        bool ok = false;
-        const double value = QLocale::c().toDouble(text.trimmed(), &ok);
-        if (!ok || !std::isfinite(value)) {
-            QTextStream(stderr) << prefix << "--" << number.option.names().constFirst() << ": '" << text
-                                << "' is not a number\n";
-            return false;
-        }
-        *number.target = value;
-    }
-    return true;
-}
 
 bool samePath(const QString& a, const QString& b)
 {
@@ -87,7 +64,7 @@ int runGrade(const QStringList& arguments)
     const QCommandLineOption output({"o", "output"}, "PNG file to write (replaced if it exists).", "OUTPUT");
     const QCommandLineOption lut("lut", "3D LUT in .cube format, applied after exposure.", "FILE");
     GradeValues grade;
-    const std::vector<NumberOption> numbers{
+    const std::vector<NumberOption<double>> numbers{
         {QCommandLineOption("exposure", "Exposure change in stops (default 0).", "E"), &grade.exposure},
         {QCommandLineOption("contrast", "Contrast factor around mid-grey (default 1).", "C"), &grade.contrast},
         {QCommandLineOption("saturation", "Saturation factor (default 1).", "S"), &grade.saturation},
@@ -96,7 +73,7 @@ int runGrade(const QStringList& arguments)
     };
     parser.addOption(output);
     parser.addOption(lut);
-    for (const NumberOption& number : numbers)
+    for (const auto& number : numbers)
         parser.addOption(number.option);
     parser.process(QStringList{"tavrelune grade"} + arguments);
 
@@ -110,8 +87,10 @@ int runGrade(const QStringList& arguments)
         err << prefix << "no OUTPUT given (-o OUTPUT)\n" << parser.helpText();
         return 2;
     }
-    if (!readNumbers(parser, numbers))
+    if (const auto error = readNumberOptions(parser, numbers)) {
+        err << prefix << *error << "\n";
         return 2;
+    }
     const QString inputPath = inputs.constFirst();
     const QString outputPath = parser.value(output);
     if (QFileInfo(outputPath).suffix().compare("png", Qt::CaseInsensitive) != 0) {

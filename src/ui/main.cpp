@@ -1,11 +1,13 @@
-// Entry point: a subcommand runs headless on QCoreApplication; otherwise the
+// Entry point: a subcommand runs headless on QGuiApplication; otherwise the
 // desktop window opens.
 #include "cli/commands.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <cstdio>
 
 #ifdef TAVRELUNE_HAS_GUI
+#include "controller/app_model.h"
+#include "ui/desktop_integration.h"
 #include "ui/main_window.h"
 #include <QApplication>
 #endif
@@ -18,6 +20,21 @@ QStringList argumentsOf(int argc, char** argv)
     for (int i = 1; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
     return arguments;
+}
+
+// Qt's GUI start-up warns when XDG_RUNTIME_DIR is unset (ssh sessions,
+// containers), which is normal for a headless command. That one warning is
+// dropped while the application object is built; everything else passes.
+QtMessageHandler startupHandler = nullptr;
+
+void withoutRuntimeDirWarning(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (message.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")))
+        return;
+    if (startupHandler)
+        startupHandler(type, context, message);
+    else
+        std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
 }
 
 #ifdef TAVRELUNE_HAS_GUI
@@ -37,9 +54,14 @@ int main(int argc, char** argv)
 {
     const QStringList arguments = argumentsOf(argc, argv);
     if (tavrelune::cli::isHeadlessInvocation(arguments)) {
-        QCoreApplication app(argc, argv);
-        QCoreApplication::setApplicationName("tavrelune");
-        QCoreApplication::setApplicationVersion(TAVRELUNE_VERSION);
+        // Preparing a watermark paints with QPainter and Qt SVG, which need a
+        // GUI application (fonts); the offscreen platform needs no display.
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        startupHandler = qInstallMessageHandler(withoutRuntimeDirWarning);
+        QGuiApplication app(argc, argv);
+        qInstallMessageHandler(startupHandler);
+        QGuiApplication::setApplicationName("tavrelune");
+        QGuiApplication::setApplicationVersion(TAVRELUNE_VERSION);
         return tavrelune::cli::runHeadless(arguments);
     }
 #ifdef TAVRELUNE_HAS_GUI
@@ -51,9 +73,20 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     QApplication::setApplicationName("Tavrelune");
     QApplication::setApplicationVersion(TAVRELUNE_VERSION);
-    tavrelune::ui::MainWindow window;
+    // The controller is made before the window and outlives it.
+    tavrelune::AppModel model;
+    tavrelune::ui::MainWindow window(model);
+    tavrelune::ui::DesktopIntegration desktop(&window);
+    model.setDesktopServices(&desktop);
+    QList<QUrl> files;
+    for (const QString& argument : arguments)
+        files << QUrl::fromLocalFile(argument);
+    if (!files.isEmpty())
+        model.addURLs(files);
     window.show();
-    return app.exec();
+    const int status = app.exec();
+    model.setDesktopServices(nullptr);
+    return status;
 #else
     std::fprintf(stderr, "tavrelune: built without the window; run 'tavrelune --help'\n");
     return 1;

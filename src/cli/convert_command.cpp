@@ -1,0 +1,241 @@
+// `tavrelune convert [OPTIONS] FILE...`: the window's batch, driven from the
+// command line. Everything goes through the one controller, as the window's
+// controls would: files are dropped with addURLs, choices written to its
+// fields, and the batch is its own startConversion.
+#include "cli/commands.h"
+#include "cli/convert_options.h"
+#include "cli/interrupt_watcher.h"
+#include "cli/progress_printer.h"
+#include "controller/app_model.h"
+#include "engine/blocking_wait.h"
+#include "model/media_type.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTextStream>
+#include <algorithm>
+
+#include <qcoro/qcorotask.h>
+
+namespace tavrelune::cli {
+
+namespace {
+
+const QString prefix = QStringLiteral("tavrelune convert: ");
+
+void complain(const QString& message)
+{
+    QTextStream(stderr) << prefix << message << "\n";
+}
+
+// Why the request cannot run, found before the controller sees it: the
+// batch would otherwise skip such files without a word.
+std::optional<QString> inputProblem(const ConvertRequest& request)
+{
+    bool anyVideo = false;
+    bool anyWatermark = false;
+    for (const QString& file : request.files) {
+        if (!QFileInfo(file).isFile())
+            return file + ": no such file";
+        if (!MediaType::isVideo(file) && !MediaType::isLut(file) && !MediaType::isWatermark(file))
+            return file + ": not a video, LUT (.cube) or watermark (PNG, SVG) file";
+        anyVideo = anyVideo || MediaType::isVideo(file);
+        anyWatermark = anyWatermark || MediaType::isWatermark(file);
+    }
+    if (!anyVideo)
+        return QStringLiteral("no video clips given");
+    if (request.watermark.placesWatermark() && !anyWatermark)
+        return QStringLiteral("watermark placement given, but no watermark image (a PNG or SVG FILE, or "
+                              "watermark.url in the job)");
+    return std::nullopt;
+}
+
+// Grade and trim onto the probed clips (the trim is limited by the probed
+// duration).
+void applyClipEdits(AppModel& model, const QList<JobClip>& edits)
+{
+    const QList<ClipItem> clips = model.clips();
+    for (const ClipItem& clip : clips) {
+        const QString path = clip.url.toLocalFile();
+        const auto edit = std::find_if(edits.begin(), edits.end(),
+                                       [&path](const JobClip& candidate) { return candidate.url == path; });
+        if (edit != edits.end())
+            model.updateClip(clip.id, [&edit](ClipItem& stored) { edit->applyTo(stored); });
+    }
+    // The batch starts by committing the sliders into the selected clip, as
+    // when the user presses Convert. The sliders must therefore show that
+    // clip's stored grade, as they do after selecting it in the window;
+    // otherwise the first clip would lose its grade. (selectClip would commit
+    // the old slider values first, so it cannot be used here.)
+    if (const auto selected = model.selectedClip())
+        model.liveGrade().copyFrom(*selected);
+}
+
+void placeWatermark(AppModel& model, const WatermarkChoice& choice)
+{
+    if (choice.x || choice.y || choice.widthFraction) {
+        const WatermarkSettings& current = model.watermark();
+        model.updateWatermarkLayout(choice.x.value_or(current.x), choice.y.value_or(current.y),
+                                    choice.widthFraction);
+    }
+    if (choice.opacity)
+        model.updateWatermarkOpacity(*choice.opacity);
+}
+
+void printPlan(AppModel& model)
+{
+    QTextStream out(stdout);
+    const QString program = model.ffmpeg().binaryPath(QStringLiteral("ffmpeg"));
+    for (const PlannedCommand& command : model.plannedCommands()) {
+        QJsonArray argv{program};
+        for (const QString& argument : command.arguments)
+            argv.append(argument);
+        out << QJsonDocument(argv).toJson(QJsonDocument::Compact) << "\n# output: " << command.output
+            << "\n";
+    }
+}
+
+// What the progress display shows for the batch as it stands.
+ProgressState progressOf(const AppModel& model)
+{
+    const QList<ClipItem>& clips = model.clips();
+    const double overall = model.conversionFraction();
+    // Once every part is made, the remaining step is the joining, which
+    // counts as one more clip's worth of the overall fraction.
+    const bool joining = model.settings().concatenateClips && clips.size() > 1
+                         && std::all_of(clips.begin(), clips.end(), [](const ClipItem& clip) {
+                                return clip.status == ClipStatus::converting && clip.progress >= 1;
+                            });
+    if (joining) {
+        const auto n = static_cast<double>(clips.size());
+        return {QStringLiteral("combined video"), std::clamp(overall * (n + 1) - n, 0.0, 1.0), overall};
+    }
+    const auto clip = model.selectedClip();
+    return {clip ? clip->name : QString(), clip ? clip->progress : 0.0, overall};
+}
+
+QStringList writtenFiles(const AppModel& model)
+{
+    QStringList files;
+    for (const ClipItem& clip : model.clips())
+        if (clip.status == ClipStatus::done && clip.outputURL && !files.contains(clip.outputURL->toLocalFile()))
+            files << clip.outputURL->toLocalFile();
+    return files;
+}
+
+QCoro::Task<int> runBatch(AppModel& model, InterruptWatcher& interrupts)
+{
+    ProgressPrinter printer = ProgressPrinter::forStandardError();
+    {
+        QObject listening;  // its end disconnects everything below
+        // Status texts written after the batch stops (twice after a stop)
+        // are left to the final line.
+        QObject::connect(&model, &AppModel::statusMessageChanged, &listening, [&] {
+            if (model.isConverting())
+                printer.status(model.statusMessage());
+        });
+        // The controller writes a clip's progress before the overall
+        // fraction, so the fraction's change sees both up to date.
+        QObject::connect(&model, &AppModel::conversionFractionChanged, &listening, [&] {
+            if (model.isConverting())
+                printer.progress(progressOf(model));
+        });
+        QObject::connect(&model, &AppModel::errorMessageChanged, &listening, [&] {
+            if (model.errorMessage().isEmpty())
+                return;
+            const auto failed = std::find_if(model.clips().begin(), model.clips().end(), [](const ClipItem& clip) {
+                return clip.status == ClipStatus::failed;
+            });
+            printer.message(prefix + (failed != model.clips().end() ? failed->name + ": " : QString())
+                            + model.errorMessage());
+        });
+        QObject::connect(&interrupts, &InterruptWatcher::interruptReceived, &listening,
+                         [&model] { model.cancelConversion(); });
+
+        model.startConversion();
+        co_await model.conversionFinished();
+    }
+    printer.message(model.statusMessage());
+    QTextStream out(stdout);
+    for (const QString& file : writtenFiles(model))
+        out << file << "\n";
+
+    if (interrupts.interrupted())
+        co_return 130;
+    const bool allDone = std::all_of(model.clips().begin(), model.clips().end(),
+                                     [](const ClipItem& clip) { return clip.status == ClipStatus::done; });
+    co_return allDone ? 0 : 1;
+}
+
+QCoro::Task<int> convert(ConvertRequest request, bool dryRun, InterruptWatcher& interrupts)
+{
+    AppModel model;
+    if (request.outputFolder)
+        model.setOutputFolder(QUrl::fromLocalFile(*request.outputFolder));
+    model.setSettings(request.settings.appliedTo(model.settings()));
+    QList<QUrl> urls;
+    for (const QString& file : request.files)
+        urls << QUrl::fromLocalFile(file);
+    model.addURLs(urls);
+    if (!model.errorMessage().isEmpty()) {  // an unreadable watermark image
+        complain(model.errorMessage());
+        co_return 2;
+    }
+
+    co_await model.probesFinished();
+    if (interrupts.interrupted())
+        co_return 130;
+    for (const ClipItem& clip : model.clips())
+        if (clip.errorMessage)
+            complain(clip.name + ": " + *clip.errorMessage);
+    applyClipEdits(model, request.clipEdits);
+    placeWatermark(model, request.watermark);
+    if (!model.canConvert()) {
+        complain(QStringLiteral("no output folder (the desktop reports no Videos folder); use --output DIR"));
+        co_return 2;
+    }
+
+    if (!dryRun)
+        co_return co_await runBatch(model, interrupts);
+    // Shown as it would run: with the encoders this machine would use.
+    try {
+        co_await model.ffmpeg().detectEncoders(interrupts.stopSource().get_token());
+    } catch (const FFmpegError&) {
+        co_return 130;  // the only failure detection reports is a stop
+    }
+    printPlan(model);
+    co_return 0;
+}
+
+}  // namespace
+
+int runConvert(const QStringList& arguments)
+{
+    ConvertOptions options;
+    ConvertJob job;
+    try {
+        options = parseConvertOptions(arguments);
+        if (options.help) {
+            QTextStream(stdout) << convertHelpText();
+            return 0;
+        }
+        if (options.jobPath)
+            job = readConvertJob(*options.jobPath);
+    } catch (const UsageError& error) {
+        complain(error.message + " (see 'tavrelune convert --help')");
+        return 2;
+    } catch (const JobFileError& error) {
+        complain(*options.jobPath + ": " + error.message);
+        return 2;
+    }
+    const ConvertRequest request = mergeRequest(job, options);
+    if (const auto problem = inputProblem(request)) {
+        complain(*problem);
+        return 2;
+    }
+    InterruptWatcher interrupts;
+    return waitForTask(convert(request, options.dryRun, interrupts));
+}
+
+}  // namespace tavrelune::cli

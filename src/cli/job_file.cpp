@@ -1,0 +1,266 @@
+#include "cli/job_file.h"
+
+#include "model/media_type.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <algorithm>
+
+namespace tavrelune::cli {
+
+EncodeSettings SettingsChoice::appliedTo(EncodeSettings settings) const
+{
+    settings.codec = codec.value_or(settings.codec);
+    settings.quality = quality.value_or(settings.quality);
+    settings.copyAudio = copyAudio.value_or(settings.copyAudio);
+    settings.removeAudio = removeAudio.value_or(settings.removeAudio);
+    settings.concatenateClips = concatenateClips.value_or(settings.concatenateClips);
+    return settings;
+}
+
+void SettingsChoice::overrideWith(const SettingsChoice& given)
+{
+    cli::overrideWith(codec, given.codec);
+    cli::overrideWith(quality, given.quality);
+    cli::overrideWith(copyAudio, given.copyAudio);
+    cli::overrideWith(removeAudio, given.removeAudio);
+    cli::overrideWith(concatenateClips, given.concatenateClips);
+}
+
+void GradeChoice::applyTo(ClipItem& clip) const
+{
+    clip.exposure = exposure.value_or(clip.exposure);
+    clip.contrast = contrast.value_or(clip.contrast);
+    clip.saturation = saturation.value_or(clip.saturation);
+    clip.temperature = temperature.value_or(clip.temperature);
+}
+
+void GradeChoice::overrideWith(const GradeChoice& given)
+{
+    cli::overrideWith(exposure, given.exposure);
+    cli::overrideWith(contrast, given.contrast);
+    cli::overrideWith(saturation, given.saturation);
+    cli::overrideWith(temperature, given.temperature);
+}
+
+void WatermarkChoice::overrideWith(const WatermarkChoice& given)
+{
+    cli::overrideWith(url, given.url);
+    cli::overrideWith(x, given.x);
+    cli::overrideWith(y, given.y);
+    cli::overrideWith(widthFraction, given.widthFraction);
+    cli::overrideWith(opacity, given.opacity);
+}
+
+void JobClip::applyTo(ClipItem& clip) const
+{
+    grade.applyTo(clip);
+    if (inPoint)
+        clip.inPoint = *inPoint;
+    if (outPoint)
+        clip.outPoint = *outPoint;
+    if (!clip.duration)
+        return;
+    const double duration = *clip.duration;
+    if (clip.outPoint && duration < *clip.outPoint)
+        clip.outPoint = duration;
+    clip.inPoint = std::min(clip.inPoint, std::max(duration - ClipItem::minimumTrimSpan, 0.0));
+}
+
+namespace {
+
+[[noreturn]] void fail(const QString& key, const QString& problem)
+{
+    throw JobFileError{key + ": " + problem};
+}
+
+// One JSON object of the job, with the key path it sits at for messages.
+class Section {
+public:
+    Section(QJsonObject object, QString path, const QStringList& allowed)
+        : object_(std::move(object)), path_(std::move(path))
+    {
+        for (const QString& key : object_.keys())
+            if (!allowed.contains(key))
+                fail(keyPath(key), QStringLiteral("unknown key"));
+    }
+
+    QString keyPath(const QString& key) const { return path_.isEmpty() ? key : path_ + '.' + key; }
+
+    std::optional<double> number(const QString& key) const
+    {
+        return typed<double>(key, &QJsonValue::isDouble, "a number", [](const QJsonValue& v) { return v.toDouble(); });
+    }
+
+    std::optional<double> time(const QString& key) const
+    {
+        const auto seconds = number(key);
+        if (seconds && *seconds < 0)
+            fail(keyPath(key), QStringLiteral("must not be negative"));
+        return seconds;
+    }
+
+    std::optional<bool> boolean(const QString& key) const
+    {
+        return typed<bool>(key, &QJsonValue::isBool, "true or false", [](const QJsonValue& v) { return v.toBool(); });
+    }
+
+    std::optional<QString> string(const QString& key) const
+    {
+        return typed<QString>(key, &QJsonValue::isString, "a string",
+                              [](const QJsonValue& v) { return v.toString(); });
+    }
+
+    std::optional<QJsonObject> object(const QString& key) const
+    {
+        return typed<QJsonObject>(key, &QJsonValue::isObject, "an object",
+                                  [](const QJsonValue& v) { return v.toObject(); });
+    }
+
+    std::optional<QJsonArray> array(const QString& key) const
+    {
+        return typed<QJsonArray>(key, &QJsonValue::isArray, "a list",
+                                 [](const QJsonValue& v) { return v.toArray(); });
+    }
+
+    // A file path, resolved against `base`; `accepts` checks its extension.
+    std::optional<QString> path(const QString& key, const QString& base, bool (*accepts)(const QString&),
+                                const QString& kind) const
+    {
+        const auto text = string(key);
+        if (!text)
+            return std::nullopt;
+        if (text->isEmpty())
+            fail(keyPath(key), QStringLiteral("must not be empty"));
+        const QString resolved = QDir::cleanPath(QDir(base).absoluteFilePath(*text));
+        if (accepts && !accepts(resolved))
+            fail(keyPath(key), QStringLiteral("\"%1\" is not %2").arg(*text, kind));
+        return resolved;
+    }
+
+private:
+    template <typename T, typename Convert>
+    std::optional<T> typed(const QString& key, bool (QJsonValue::*isType)() const, const char* expected,
+                           Convert convert) const
+    {
+        if (!object_.contains(key))
+            return std::nullopt;
+        const QJsonValue value = object_.value(key);
+        if (!(value.*isType)())
+            fail(keyPath(key), QStringLiteral("expected %1").arg(QLatin1String(expected)));
+        return convert(value);
+    }
+
+    QJsonObject object_;
+    QString path_;
+};
+
+template <typename Enum>
+std::optional<Enum> named(const Section& section, const QString& key,
+                          std::optional<Enum> (*fromName)(const QString&), const QString& choices)
+{
+    const auto name = section.string(key);
+    if (!name)
+        return std::nullopt;
+    const auto value = fromName(*name);
+    if (!value)
+        fail(section.keyPath(key), QStringLiteral("unknown value \"%1\" (use %2)").arg(*name, choices));
+    return value;
+}
+
+GradeChoice readGrade(const Section& section)
+{
+    return {section.number("exposure"), section.number("contrast"), section.number("saturation"),
+            section.number("temperature")};
+}
+
+SettingsChoice readSettings(const Section& section)
+{
+    SettingsChoice settings;
+    settings.codec = named(section, "codec", videoCodecFromCaseName, "h264 or hevc");
+    settings.quality = named(section, "quality", qualityPresetFromCaseName, "high, balanced or small");
+    settings.copyAudio = section.boolean("copyAudio");
+    settings.removeAudio = section.boolean("removeAudio");
+    settings.concatenateClips = section.boolean("concatenateClips");
+    return settings;
+}
+
+WatermarkChoice readWatermark(const Section& section, const QString& base)
+{
+    return {section.path("url", base, MediaType::isWatermark, "a PNG or SVG file"), section.number("x"),
+            section.number("y"), section.number("widthFraction"), section.number("opacity")};
+}
+
+JobClip readClip(const Section& section, const QString& base)
+{
+    JobClip clip;
+    const auto url = section.path("url", base, MediaType::isVideo, "a video file");
+    if (!url)
+        fail(section.keyPath("url"), QStringLiteral("missing"));
+    clip.url = *url;
+    clip.grade = readGrade(section);
+    clip.inPoint = section.time("inPoint");
+    clip.outPoint = section.time("outPoint");
+    if (clip.outPoint && *clip.outPoint <= clip.inPoint.value_or(0))
+        fail(section.keyPath("outPoint"), QStringLiteral("must be after inPoint"));
+    return clip;
+}
+
+}  // namespace
+
+ConvertJob parseConvertJob(const QByteArray& json, const QString& baseFolder)
+{
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &parseError);
+    if (parseError.error != QJsonParseError::NoError)
+        throw JobFileError{QStringLiteral("not valid JSON (%1 at offset %2)")
+                               .arg(parseError.errorString())
+                               .arg(parseError.offset)};
+    if (!document.isObject())
+        throw JobFileError{QStringLiteral("expected a JSON object at the top")};
+
+    const Section top(document.object(), QString(),
+                      {"outputFolder", "settings", "lut", "watermark", "clips"});
+    ConvertJob job;
+    job.outputFolder = top.path("outputFolder", baseFolder, nullptr, QString());
+    if (const auto settings = top.object("settings"))
+        job.settings = readSettings(Section(*settings, "settings",
+                                            {"codec", "quality", "copyAudio", "removeAudio", "concatenateClips"}));
+    job.lut = top.path("lut", baseFolder, MediaType::isLut, "a LUT file (.cube)");
+    if (const auto watermark = top.object("watermark"))
+        job.watermark = readWatermark(
+            Section(*watermark, "watermark", {"url", "x", "y", "widthFraction", "opacity"}), baseFolder);
+
+    const QJsonArray clips = top.array("clips").value_or(QJsonArray());
+    for (qsizetype i = 0; i < clips.size(); ++i) {
+        const QString at = QStringLiteral("clips[%1]").arg(i);
+        if (!clips[i].isObject())
+            fail(at, QStringLiteral("expected an object"));
+        const JobClip clip = readClip(
+            Section(clips[i].toObject(), at,
+                    {"url", "exposure", "contrast", "saturation", "temperature", "inPoint", "outPoint"}),
+            baseFolder);
+        // A second entry would be dropped from the batch as a duplicate and
+        // quietly replace the first one's grade and trim.
+        const auto earlier = std::find_if(job.clips.begin(), job.clips.end(),
+                                          [&clip](const JobClip& other) { return other.url == clip.url; });
+        if (earlier != job.clips.end())
+            fail(at + ".url", QStringLiteral("repeats clips[%1]").arg(earlier - job.clips.begin()));
+        job.clips << clip;
+    }
+    return job;
+}
+
+ConvertJob readConvertJob(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw JobFileError{QStringLiteral("cannot read the job file (%1)").arg(file.errorString())};
+    return parseConvertJob(file.readAll(), QFileInfo(path).absolutePath());
+}
+
+}  // namespace tavrelune::cli

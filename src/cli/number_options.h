@@ -1,0 +1,41 @@
+// Number-valued command-line options (--exposure 0.5 and the like).
+#pragma once
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+#include <QString>
+#include <optional>
+#include <vector>
+
+namespace tavrelune::cli {
+
+// A finite number in the C locale (surrounding spaces allowed), or nothing.
+std::optional<double> finiteNumber(const QString& text);
+
+// `Target` is double or std::optional<double>.
+template <typename Target>
+struct NumberOption {
+    QCommandLineOption option;
+    Target* target;
+};
+
+// Stores every given option's value in its target. Returns the message for
+// the first value that is not a finite number ("--exposure: 'x' is not a
+// number"), or nothing when all were good.
+template <typename Target>
+std::optional<QString> readNumberOptions(const QCommandLineParser& parser,
+                                         const std::vector<NumberOption<Target>>& options)
+{
+    for (const NumberOption<Target>& number : options) {
+        if (!parser.isSet(number.option))
+            continue;
+        const QString text = parser.value(number.option);
+        const std::optional<double> value = finiteNumber(text);
+        if (!value)
+            return QStringLiteral("--%1: '%2' is not a number").arg(number.option.names().constFirst(), text);
+        *number.target = *value;
+    }
+    return std::nullopt;
+}
+
+}  // namespace tavrelune::cli

@@ -1,0 +1,327 @@
+// `tavrelune convert` run as a user runs it, on tiny clips with the real
+// ffmpeg behind a logging wrapper.
+#include "qt_printers.h"
+#include "support/media_fixtures.h"
+#include "support/task_helpers.h"
+#include "support/temp_folder.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QThread>
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+using namespace tavrelune::test;
+
+namespace {
+
+struct CommandRun {
+    int exitCode = -1;
+    QString out;
+    QStringList errLines;
+
+    QString lastErrLine() const { return errLines.value(errLines.size() - 1); }
+};
+
+// A private world for the command: its own home, runtime and cache folders,
+// no display, and an ffmpeg wrapper that records each conversion's
+// arguments (and its pid) before running the real one. The wrapper lists
+// only the software encoders, so the encoder choice is the same on every
+// machine.
+class Sandbox {
+public:
+    Sandbox()
+    {
+        for (const char* name : {"home", "runtime", "cache", "log"})
+            QDir().mkpath(folder.file(name));
+        QFile::setPermissions(file("runtime"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        writeWrapper(QString());
+        QFile::link(QStandardPaths::findExecutable("ffprobe"), folder.file("tools/ffprobe"));
+    }
+
+    QString file(const QString& name) const { return folder.file(name); }
+    QString ffmpeg() const { return folder.file("tools/ffmpeg"); }
+
+    // Conversions of inputs whose path contains `text` fail as ffmpeg would.
+    void failConversionsOf(const QString& text) { writeWrapper(text); }
+
+    QString clip(const QString& name, const ClipSpec& spec = {}) const
+    {
+        makeClip(file(name), spec);
+        return file(name);
+    }
+
+    void start(QProcess& process, const QStringList& arguments) const
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+            environment.remove(name);
+        environment.insert("HOME", file("home"));
+        environment.insert("XDG_RUNTIME_DIR", file("runtime"));
+        environment.insert("XDG_CACHE_HOME", file("cache"));
+        environment.insert("TAVRELUNE_TOOLS_DIR", file("tools"));
+        process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(folder.path());
+        process.setStandardInputFile(QProcess::nullDevice());
+        process.start(TAVRELUNE_BINARY, QStringList{"convert"} + arguments);
+    }
+
+    CommandRun run(const QStringList& arguments) const
+    {
+        QProcess process;
+        start(process, arguments);
+        return finish(process);
+    }
+
+    static CommandRun finish(QProcess& process)
+    {
+        CommandRun run;
+        if (!process.waitForFinished(60000))
+            return run;
+        run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        run.out = QString::fromUtf8(process.readAllStandardOutput());
+        run.errLines = QString::fromUtf8(process.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
+        return run;
+    }
+
+    // The arguments of every conversion ffmpeg was asked for, in order.
+    QList<QStringList> loggedConversions() const
+    {
+        QList<QStringList> calls;
+        const QDir log(file("log"));
+        for (const QString& name : log.entryList({"call-*"}, QDir::Files, QDir::Name)) {
+            QFile call(log.filePath(name));
+            call.open(QIODevice::ReadOnly);
+            calls << QString::fromUtf8(call.readAll()).split('\n', Qt::SkipEmptyParts);
+        }
+        return calls;
+    }
+
+    TempFolder folder;
+
+private:
+    void writeWrapper(const QString& failOn)
+    {
+        const QString log = file("log");
+        QString script = QString(R"sh(case " $* " in *" -encoders "*)
+  printf 'Encoders:\n ------\n V....D libx264 H.264\n V....D libx265 HEVC\n'; exit 0;; esac
+case " $* " in *" -progress "*)
+  n=$(ls "%1" | grep -c call-)
+  printf '%s\n' "$@" > "%1/call-$(printf %03d "$n")"
+  echo $$ > "%1/pid";;
+esac
+)sh").arg(log);
+        if (!failOn.isEmpty())
+            script += QString(R"sh(case " $* " in *"%1"*) echo "simulated encoder failure" >&2; exit 1;; esac
+)sh").arg(failOn);
+        script += "exec '" + QStandardPaths::findExecutable("ffmpeg") + "' \"$@\"";
+        writeFakeTool(file("tools"), "ffmpeg", script);
+    }
+};
+
+struct PlannedRun {
+    QStringList argv;
+    QString output;
+};
+
+// The dry run's pairs of lines: the JSON argv, then "# output: PATH".
+QList<PlannedRun> plannedRuns(const QString& out)
+{
+    QList<PlannedRun> runs;
+    const QStringList lines = out.split('\n', Qt::SkipEmptyParts);
+    for (qsizetype i = 0; i + 1 < lines.size(); i += 2) {
+        const QVariantList argv = QJsonDocument::fromJson(lines[i].toUtf8()).array().toVariantList();
+        runs << PlannedRun{QVariant(argv).toStringList(), QString(lines[i + 1]).remove("# output: ")};
+    }
+    return runs;
+}
+
+double videoSeconds(const QString& path)
+{
+    return probeEntry(path, "duration").toDouble();
+}
+
+const double oneFrame = 0.041;  // at 25 fps, with room for rounding
+
+}  // namespace
+
+TEST(ConvertCommand, DryRunPrintsTheExactCommandAndTouchesNothing)
+{
+    Sandbox sandbox;
+    const QString clip = sandbox.clip("a.mov");
+    const QString out = sandbox.file("delivery");
+    const CommandRun run = sandbox.run({"--dry-run", "--codec", "h264", "--quality", "balanced", "--remove-audio",
+                                 "--output", out, clip});
+    ASSERT_EQ(run.exitCode, 0) << run.errLines.join('\n').toStdString();
+    const QStringList lines = run.out.split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 2);
+    const QJsonArray expected{
+        sandbox.ffmpeg(), "-nostdin", "-hide_banner", "-loglevel", "error", "-y", "-i", clip,
+        "-vf", "format=gbrp16le,scale=trunc(iw/2)*2:trunc(ih/2)*2,format=yuv420p", "-map", "0:v:0",
+        "-c:v", "libx264", "-b:v", "5069k", "-preset", "faster", "-pix_fmt", "yuv420p", "-sn", "-an",
+        "-movflags", "+faststart", "-progress", "pipe:1", "-nostats", out + "/a_graded.mp4"};
+    EXPECT_EQ(QJsonDocument::fromJson(lines[0].toUtf8()).array(), expected) << lines[0].toStdString();
+    EXPECT_EQ(lines[1], "# output: " + out + "/a_graded.mp4");
+    EXPECT_TRUE(run.errLines.isEmpty());
+    EXPECT_FALSE(QFile::exists(out));
+    EXPECT_TRUE(sandbox.loggedConversions().isEmpty());
+
+}
+
+// The job sets trims and grades per clip, a LUT and a watermark; the command
+// line overrides the codec and the opacity. The dry run must show exactly
+// what the real run then does, including the first (selected) clip's grade,
+// which the batch's commit of the live sliders must not reset.
+TEST(ConvertCommand, JobRunsExactlyAsItsDryRunSays)
+{
+    Sandbox sandbox;
+    for (const char* name : {"a.mov", "b.mov", "c.mov"})
+        sandbox.clip(name);
+    sandbox.folder.write("look.cube", "LUT_3D_SIZE 2\n0 0 0\n1 0 0\n0 1 0\n1 1 0\n0 0 1\n1 0 1\n0 1 1\n1 1 1\n");
+    sandbox.folder.write("logo.svg", R"(<svg xmlns="http://www.w3.org/2000/svg" width="80" height="40">)"
+                                     R"(<rect width="80" height="40" fill="red" fill-opacity="0.6"/></svg>)");
+    const QString job = sandbox.folder.write("job.json", R"({
+      "outputFolder": "out",
+      "settings": { "codec": "hevc", "quality": "small" },
+      "lut": "look.cube",
+      "watermark": { "url": "logo.svg", "x": 0.1, "y": 0.1, "widthFraction": 0.25, "opacity": 0.9 },
+      "clips": [
+        { "url": "a.mov", "exposure": 0.5, "inPoint": 0.2, "outPoint": 0.7 },
+        { "url": "b.mov", "saturation": 0.5, "temperature": 30 },
+        { "url": "c.mov", "contrast": 1.2, "inPoint": 3 }
+      ]
+    })");
+    const QStringList options{"--job", job, "--codec", "h264", "--watermark-opacity", "0.5"};
+
+    const CommandRun dry = sandbox.run(QStringList{"--dry-run"} + options);
+    ASSERT_EQ(dry.exitCode, 0) << dry.errLines.join('\n').toStdString();
+    const QList<PlannedRun> plan = plannedRuns(dry.out);
+    ASSERT_EQ(plan.size(), 3);
+    const QString out = sandbox.file("out");
+    EXPECT_EQ(plan[0].output, out + "/a_graded.mp4");
+    EXPECT_EQ(plan[1].output, out + "/b_graded.mp4");
+    EXPECT_EQ(plan[2].output, out + "/c_graded.mp4");
+    for (const PlannedRun& run : plan) {
+        EXPECT_EQ(run.argv.first(), sandbox.ffmpeg());
+        EXPECT_EQ(run.argv.value(run.argv.indexOf("-c:v") + 1), "libx264");
+        EXPECT_TRUE(run.argv.join(' ').contains("colorchannelmixer=aa=0.5000")) << "opacity from the option";
+        EXPECT_TRUE(run.argv.join(' ').contains("/Tavrelune/active-lut.cube"));
+    }
+    const QString a = plan[0].argv.join(' ');
+    EXPECT_TRUE(a.contains("-ss 0.200 ") && a.contains("-t 0.500 ")) << a.toStdString();
+    EXPECT_TRUE(a.contains("exposure=exposure=0.5000")) << a.toStdString();
+    EXPECT_TRUE(plan[1].argv.join(' ').contains("saturation=0.5000"));
+    EXPECT_FALSE(plan[1].argv.contains("-ss"));
+    const QString c = plan[2].argv.join(' ');
+    EXPECT_TRUE(c.contains("-ss 0.880 ") && c.contains("-t 0.120 ")) << "in point limited to the clip";
+
+    const CommandRun real = sandbox.run(options);
+    ASSERT_EQ(real.exitCode, 0) << real.errLines.join('\n').toStdString();
+    EXPECT_EQ(real.lastErrLine(), "Done: converted 3 clips.");
+    EXPECT_EQ(real.out, plan[0].output + "\n" + plan[1].output + "\n" + plan[2].output + "\n");
+    const QList<QStringList> ran = sandbox.loggedConversions();
+    ASSERT_EQ(ran.size(), 3);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(ran[i], plan[i].argv.mid(1)) << "clip " << i;
+    EXPECT_NEAR(videoSeconds(plan[0].output), 0.5, oneFrame);
+    EXPECT_NEAR(videoSeconds(plan[1].output), 1.0, oneFrame);
+    EXPECT_NEAR(videoSeconds(plan[2].output), 0.12, oneFrame);
+}
+
+TEST(ConvertCommand, CombineJoinsTheTrimmedClipsIntoOneFile)
+{
+    Sandbox sandbox;
+    for (const char* name : {"a.mov", "b.mov", "c.mov"})
+        sandbox.clip(name);
+    const QString job = sandbox.folder.write("job.json", R"({ "clips": [
+        { "url": "a.mov", "inPoint": 0.2, "outPoint": 0.7 }, { "url": "b.mov" }, { "url": "c.mov", "inPoint": 0.6 } ] })");
+    const CommandRun run = sandbox.run({"--job", job, "--combine", "--codec", "h264", "-o", sandbox.file("out")});
+    ASSERT_EQ(run.exitCode, 0) << run.errLines.join('\n').toStdString();
+    EXPECT_EQ(run.lastErrLine(), "Done: combined 3 clips into one video.");
+    EXPECT_TRUE(run.errLines.contains("Combining clips…")) << run.errLines.join('\n').toStdString();
+    const QStringList files = QDir(sandbox.file("out")).entryList(QDir::Files);
+    ASSERT_EQ(files.size(), 1) << files.join(' ').toStdString();
+    EXPECT_EQ(run.out, sandbox.file("out/") + files[0] + "\n");
+    EXPECT_NEAR(videoSeconds(sandbox.file("out/") + files[0]), 0.5 + 1.0 + 0.4, oneFrame);
+}
+
+TEST(ConvertCommand, BadInputIsStatusTwoWithOneLine)
+{
+    Sandbox sandbox;
+    const QString clip = sandbox.clip("a.mov", {.audio = false});
+    sandbox.folder.write("look.cube", "LUT_3D_SIZE 2\n");
+    sandbox.folder.write("notes.txt", "x");
+    sandbox.folder.write("broken.svg", "not an image");
+    sandbox.folder.write("bad.json", R"({ "settings": { "bitrate": 5 } })");
+    struct Case {
+        QStringList arguments;
+        QString message;
+    };
+    const QList<Case> cases{
+        {{"--codec", "av1", clip}, "--codec: 'av1' is not h264 or hevc (see 'tavrelune convert --help')"},
+        {{"--fast", clip}, "Unknown option 'fast' (see 'tavrelune convert --help')"},
+        {{"missing.mov"}, sandbox.file("missing.mov") + ": no such file"},
+        {{"notes.txt", clip}, sandbox.file("notes.txt") + ": not a video, LUT (.cube) or watermark (PNG, SVG) file"},
+        {{"look.cube"}, "no video clips given"},
+        {{"--watermark-x", "0.5", clip},
+         "watermark placement given, but no watermark image (a PNG or SVG FILE, or watermark.url in the job)"},
+        {{"--job", "bad.json", clip}, "bad.json: settings.bitrate: unknown key"},
+        {{"--job", "none.json", clip}, "none.json: cannot read the job file (No such file or directory)"},
+        {{"broken.svg", clip}, "Could not read that watermark. Use a PNG or SVG with transparency."},
+    };
+    for (const Case& c : cases) {
+        const CommandRun run = sandbox.run(c.arguments);
+        EXPECT_EQ(run.exitCode, 2) << c.arguments.join(' ').toStdString();
+        EXPECT_EQ(run.errLines, QStringList{"tavrelune convert: " + c.message});
+        EXPECT_TRUE(run.out.isEmpty());
+    }
+    EXPECT_TRUE(sandbox.loggedConversions().isEmpty());
+}
+
+TEST(ConvertCommand, FailingClipEndsTheBatchWithStatusOne)
+{
+    Sandbox sandbox;
+    for (const char* name : {"a.mov", "b.mov", "c.mov"})
+        sandbox.clip(name, {.audio = false});
+    sandbox.failConversionsOf("/b.mov");
+    const CommandRun run = sandbox.run({"--codec", "h264", "-o", sandbox.file("out"), "a.mov", "b.mov", "c.mov"});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.lastErrLine(), "Finished: 1 succeeded, 1 failed.");
+    EXPECT_TRUE(run.errLines.contains("tavrelune convert: b.mov: simulated encoder failure"))
+        << run.errLines.join('\n').toStdString();
+    EXPECT_EQ(run.out, sandbox.file("out/a_graded.mp4") + "\n");
+    EXPECT_EQ(sandbox.loggedConversions().size(), 2) << "c.mov is not attempted";
+}
+
+TEST(ConvertCommand, InterruptStopsTheBatchAndItsFfmpeg)
+{
+    Sandbox sandbox;
+    const QString clip = sandbox.clip("long.mov", {.width = 640, .height = 360, .seconds = 20, .audio = false});
+    QProcess process;
+    sandbox.start(process, {"--codec", "h264", "-o", sandbox.file("out"), clip});
+    ASSERT_TRUE(process.waitForStarted());
+
+    // Interrupt once ffmpeg is converting.
+    QElapsedTimer waited;
+    waited.start();
+    QFile pidFile(sandbox.file("log/pid"));
+    while (!pidFile.exists() && waited.elapsed() < 30000)
+        QThread::msleep(20);
+    ASSERT_TRUE(pidFile.open(QIODevice::ReadOnly)) << "ffmpeg never started";
+    QThread::msleep(300);
+    const qint64 ffmpegPid = pidFile.readAll().trimmed().toLongLong();
+    ASSERT_TRUE(processExists(ffmpegPid)) << "the conversion ended before the interrupt";
+    ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+
+    const CommandRun run = Sandbox::finish(process);
+    EXPECT_EQ(run.exitCode, 130);
+    EXPECT_EQ(run.lastErrLine(), "Conversion stopped.");
+    EXPECT_TRUE(run.out.isEmpty());
+    EXPECT_FALSE(processExists(ffmpegPid)) << "ffmpeg outlived the command";
+}

@@ -1,0 +1,121 @@
+// Reading job files: one good file, then one edit at a time, each with the
+// message the user would see.
+#include "qt_printers.h"
+#include "cli/convert_options.h"
+#include "cli/job_file.h"
+
+#include <gtest/gtest.h>
+
+using namespace tavrelune;
+using namespace tavrelune::cli;
+
+namespace {
+
+const QByteArray goodJob = R"({
+  "outputFolder": "Delivery",
+  "settings": { "codec": "hevc", "quality": "balanced", "copyAudio": true, "removeAudio": false, "concatenateClips": false },
+  "lut": "../looks/Warm.cube",
+  "watermark": { "url": "/brand/logo.svg", "x": 0.78, "y": 0.82, "widthFraction": 0.18, "opacity": 0.9 },
+  "clips": [
+    { "url": "card/A001.mov", "exposure": 0.3, "contrast": 1.1, "saturation": 1.0, "temperature": 12, "inPoint": 2.5, "outPoint": 9.0 },
+    { "url": "card/A002.mov" }
+  ]
+})";
+
+QString messageFor(const QByteArray& json)
+{
+    try {
+        parseConvertJob(json, "/jobs/today");
+    } catch (const JobFileError& error) {
+        return error.message;
+    }
+    return "(accepted)";
+}
+
+}  // namespace
+
+TEST(JobFile, ReadsEveryKeyAndResolvesPathsAgainstTheJobFolder)
+{
+    const ConvertJob job = parseConvertJob(goodJob, "/jobs/today");
+    EXPECT_EQ(job.outputFolder, "/jobs/today/Delivery");
+    EXPECT_EQ(job.lut, "/jobs/looks/Warm.cube");
+    EXPECT_EQ(job.settings, (SettingsChoice{VideoCodec::hevc, QualityPreset::balanced, true, false, false}));
+    EXPECT_EQ(job.watermark, (WatermarkChoice{"/brand/logo.svg", 0.78, 0.82, 0.18, 0.9}));
+    ASSERT_EQ(job.clips.size(), 2);
+    EXPECT_EQ(job.clips[0], (JobClip{"/jobs/today/card/A001.mov", {0.3, 1.1, 1.0, 12}, 2.5, 9.0}));
+    EXPECT_EQ(job.clips[1], (JobClip{"/jobs/today/card/A002.mov", {}, std::nullopt, std::nullopt}));
+
+    const ConvertJob empty = parseConvertJob("{}", "/jobs");
+    EXPECT_EQ(empty, ConvertJob{});
+    EXPECT_EQ(empty.settings.appliedTo(EncodeSettings{}), EncodeSettings{}) << "absent keys keep the defaults";
+}
+
+TEST(JobFile, EachMistakeNamesItsKey)
+{
+    struct Case {
+        const char* from;
+        const char* to;
+        const char* message;
+    };
+    const Case cases[] = {
+        {R"("outputFolder")", R"("bogus": 1, "outputFolder")", "bogus: unknown key"},
+        {R"("codec": "hevc")", R"("codec": "hevc", "bitrate": 5)", "settings.bitrate: unknown key"},
+        {R"("opacity": 0.9)", R"("opacity": 0.9, "scale": 2)", "watermark.scale: unknown key"},
+        {R"({ "url": "card/A002.mov" })", R"({ "url": "card/A002.mov", "speed": 2 })", "clips[1].speed: unknown key"},
+        {R"("outputFolder": "Delivery")", R"("outputFolder": 5)", "outputFolder: expected a string"},
+        {R"("exposure": 0.3)", R"("exposure": "0.3")", "clips[0].exposure: expected a number"},
+        {R"("copyAudio": true)", R"("copyAudio": "yes")", "settings.copyAudio: expected true or false"},
+        {R"("x": 0.78)", R"("x": null)", "watermark.x: expected a number"},
+        {R"("lut": "../looks/Warm.cube")", R"("lut": ["../looks/Warm.cube"])", "lut: expected a string"},
+        {R"("clips": [)", R"("clips": [ 7,)", "clips[0]: expected an object"},
+        {R"("codec": "hevc")", R"("codec": "av1")", R"(settings.codec: unknown value "av1" (use h264 or hevc))"},
+        {R"("quality": "balanced")", R"("quality": "tiny")",
+         R"(settings.quality: unknown value "tiny" (use high, balanced or small))"},
+        {R"({ "url": "card/A002.mov" })", R"({ "exposure": 1 })", "clips[1].url: missing"},
+        {"card/A002.mov", "card/A002.txt", R"(clips[1].url: "card/A002.txt" is not a video file)"},
+        {"Warm.cube", "Warm.png", R"(lut: "../looks/Warm.png" is not a LUT file (.cube))"},
+        {R"("inPoint": 2.5)", R"("inPoint": -1)", "clips[0].inPoint: must not be negative"},
+        {R"("outPoint": 9.0)", R"("outPoint": 2.5)", "clips[0].outPoint: must be after inPoint"},
+        {"card/A002.mov", "card/../card/A001.mov", "clips[1].url: repeats clips[0]"},
+        {R"("clips": [)", R"("clips": [ ,)", "not valid JSON (illegal value at offset 309)"},
+    };
+    for (const Case& c : cases) {
+        QByteArray json = goodJob;
+        ASSERT_TRUE(json.contains(c.from)) << c.from;
+        json.replace(json.indexOf(c.from), qstrlen(c.from), c.to);
+        EXPECT_EQ(messageFor(json), c.message) << "edit: " << c.to;
+    }
+    EXPECT_EQ(messageFor("[]"), "expected a JSON object at the top");
+    EXPECT_EQ(messageFor(R"({"settings": []})"), "settings: expected an object");
+    EXPECT_EQ(messageFor(R"({"clips": {}})"), "clips: expected a list");
+}
+
+TEST(JobFile, TrimIsLimitedByTheProbedDuration)
+{
+    ClipItem clip;
+    clip.duration = 5.0;
+    JobClip{"", {0.5, std::nullopt, std::nullopt, -20}, 10.0, 20.0}.applyTo(clip);
+    EXPECT_EQ(clip.outPoint, 5.0);
+    EXPECT_DOUBLE_EQ(clip.inPoint, 4.88);
+    EXPECT_EQ(clip.exposure, 0.5);
+    EXPECT_EQ(clip.contrast, 1) << "an absent grade value keeps the clip's";
+
+    ClipItem unprobed;
+    JobClip{"", {}, 3.0, 4.0}.applyTo(unprobed);
+    EXPECT_EQ(unprobed.inPoint, 3.0);
+    EXPECT_EQ(unprobed.outPoint, 4.0);
+}
+
+TEST(ConvertOptions, CommandLineWinsOverTheJob)
+{
+    const ConvertJob job = parseConvertJob(goodJob, "/jobs/today");
+    const ConvertRequest request = mergeRequest(
+        job, parseConvertOptions({"--codec", "h264", "--exposure", "-0.5", "-o", "/out", "/extra/B.mp4"}));
+    EXPECT_EQ(request.outputFolder, "/out");
+    EXPECT_EQ(request.settings.codec, VideoCodec::h264);
+    EXPECT_EQ(request.settings.quality, QualityPreset::balanced);
+    EXPECT_EQ(request.files.last(), "/extra/B.mp4") << "FILEs follow the job's clips";
+    ASSERT_EQ(request.clipEdits.size(), 3);
+    EXPECT_EQ(request.clipEdits[0].grade, (GradeChoice{-0.5, 1.1, 1.0, 12}));
+    EXPECT_EQ(request.clipEdits[2].grade, (GradeChoice{-0.5, {}, {}, {}}));
+}
