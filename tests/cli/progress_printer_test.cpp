@@ -8,28 +8,19 @@
 
 using namespace tavrelune::cli;
 
-TEST(ProgressFormatting, PercentAndBar)
+TEST(ProgressFormatting, PercentBarAndTerminalLine)
 {
-    EXPECT_EQ(percent(0), 0);
     EXPECT_EQ(percent(-0.5), 0);
     EXPECT_EQ(percent(0.999), 99) << "100 only when done";
     EXPECT_EQ(percent(0.3 / 3 * 3), 30) << "floating noise below a step still counts as the step";
     EXPECT_EQ(percent(1.7), 100);
-    EXPECT_EQ(progressBar(0.5, 10), "[#####-----]");
-    EXPECT_EQ(progressBar(1, 4), "[####]");
     EXPECT_EQ(progressBar(0.05, 10), "[----------]");
-}
-
-TEST(ProgressFormatting, TerminalLineFitsTheWidthAndShortensTheName)
-{
-    const ProgressState state{"A001.mov", 0.4, 0.133};
-    EXPECT_EQ(terminalLine(state, 80), "A001.mov [#######------------]  40%  overall 13%");
-
-    const ProgressState longName{QString(100, 'x') + ".mov", 1, 1};
-    const QString line = terminalLine(longName, 60);
+    EXPECT_EQ(terminalLine({"A001.mov", 0.4, 0.133}, 80), "A001.mov [#######------------]  40%  overall 13%");
+    // A long name is shortened so that the line leaves the last column free.
+    const QString line = terminalLine({QString(100, 'x') + ".mov", 1, 1}, 60);
     EXPECT_EQ(line.size(), 59);
-    EXPECT_TRUE(line.startsWith("xxx"));
-    EXPECT_TRUE(line.endsWith(QString(QChar(0x2026)) + " [##############] 100%  overall 100%")) << line.toStdString();
+    EXPECT_TRUE(line.endsWith("xx" + QString(QChar(0x2026)) + " [##############] 100%  overall 100%"))
+        << line.toStdString();
 }
 
 namespace {
@@ -50,7 +41,9 @@ QString printed(ProgressPrinter::Mode mode, const std::function<void(ProgressPri
 
 }  // namespace
 
-TEST(ProgressPrinter, PlainLinesPerStatusAndTenPercentStep)
+// A log gets a line per status and per ten percent; a terminal one redrawn
+// line, cleared for messages.
+TEST(ProgressPrinter, PlainAndTerminalOutput)
 {
     EXPECT_EQ(printed(ProgressPrinter::Mode::plain,
                       [](ProgressPrinter& printer) {
@@ -64,10 +57,6 @@ TEST(ProgressPrinter, PlainLinesPerStatusAndTenPercentStep)
               "Converting a.mov…\na.mov: 12% (overall 6%)\na.mov: 35% (overall 17%)\n"
               "a.mov: 100% (overall 50%)\nConverting b.mov…\nb.mov: 10% (overall 55%)\n"
               "Done: converted 2 clips.\n");
-}
-
-TEST(ProgressPrinter, TerminalRedrawsOneLineAndClearsItForMessages)
-{
     EXPECT_EQ(printed(ProgressPrinter::Mode::terminal,
                       [](ProgressPrinter& printer) {
                           printer.status("Converting a.mov…");

@@ -1,9 +1,7 @@
-// Real conversions of tiny generated clips through the real ffmpeg.
+// Real conversions and stills of tiny generated clips through the real ffmpeg.
 #include "export_fixtures.h"
-#include "support/temp_folder.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <gtest/gtest.h>
@@ -23,13 +21,9 @@ protected:
         return folder.file("it's a: test, [x]; back\\slash é/" + name);
     }
 
-    ClipConversion job(const test::ClipSpec& spec)
+    ClipConversion job(const test::ClipSpec& spec, VideoCodec codec = VideoCodec::h264)
     {
-        test::makeClip(file("in.mov"), spec);
-        ClipConversion result{.input = file("in.mov"), .output = file("out.mp4"), .duration = spec.seconds,
-                              .width = spec.width, .height = spec.height, .hasAudio = spec.audio};
-        result.settings.codec = VideoCodec::h264;
-        return result;
+        return test::clipJob(file("in.mov"), file("out.mp4"), spec, codec);
     }
 
     QString convert(const ClipConversion& conversion)
@@ -71,8 +65,7 @@ TEST_F(ClipConversionTest, AudioIsCopiedRetriedAsAacOrRemoved)
 // at 30 fps, with a silent track that ends with the video.
 TEST_F(ClipConversionTest, TrimmedHevcPartIsNormalizedWithSilence)
 {
-    ClipConversion part = job({.seconds = 2.0, .audio = false});
-    part.settings.codec = VideoCodec::hevc;
+    ClipConversion part = job({.seconds = 2.0, .audio = false}, VideoCodec::hevc);
     part.trim = true;
     part.startTime = 0.6;
     part.duration = 0.8;
@@ -86,32 +79,66 @@ TEST_F(ClipConversionTest, TrimmedHevcPartIsNormalizedWithSilence)
 }
 
 // A black clip through an inverting LUT turns white; the red watermark on
-// top is not graded and covers 80x40 pixels from (160, 90).
-TEST_F(ClipConversionTest, LutAndWatermarkFromAwkwardPaths)
+// top is not graded and covers 80x40 pixels from (160, 90). The still comes
+// back at the requested width with an even height.
+TEST_F(ClipConversionTest, LutAndWatermarkFromAwkwardPathsSeenInAStill)
 {
     ClipConversion graded = job({.width = 320, .height = 180, .seconds = 0.5, .audio = false, .pattern = "color"});
     // Colons, quotes and backslashes never reach staged LUT paths (see
     // FFmpegService::escapeFilterPath).
-    QDir(folder.path()).mkpath("looks, [v2]; été");
-    QFile lut(folder.file("looks, [v2]; été/invert.cube"));
-    ASSERT_TRUE(lut.open(QIODevice::WriteOnly));
-    lut.write("LUT_3D_SIZE 2\n1 1 1\n0 1 1\n1 0 1\n0 0 1\n1 1 0\n0 1 0\n1 0 0\n0 0 0\n");
-    lut.close();
+    graded.lutPath = folder.write("looks, [v2]; été/invert.cube",
+                                  "LUT_3D_SIZE 2\n1 1 1\n0 1 1\n1 0 1\n0 0 1\n1 1 0\n0 1 0\n1 0 0\n0 0 0\n");
     QImage mark(40, 20, QImage::Format_ARGB32);
     mark.fill(Qt::red);
     ASSERT_TRUE(mark.save(file("mark.png")));
-    graded.lutPath = lut.fileName();
     graded.watermark = WatermarkOverlay{file("mark.png"), 0.5, 0.5, 0.25, 1.0, 2.0};
     EXPECT_EQ(convert(graded), "");
 
-    ASSERT_EQ(test::failureOf(service.extractFrame(graded.output, 0.2, folder.file("f.png"), 320)), std::nullopt);
-    const QImage frame(folder.file("f.png"));
+    const QString still = file("still é.png");
+    ASSERT_EQ(test::failureOf(service.extractFrame(graded.output, 0.2, still, 320)), std::nullopt);
+    const QImage frame(still);
     for (const auto& [x, y, red] : {std::tuple{165, 95, true}, {235, 125, true}, {150, 110, false},
                                     {250, 140, false}}) {
         // Red or white, never the black source.
         EXPECT_GT(frame.pixelColor(x, y).red(), 200) << x << "," << y;
         EXPECT_EQ(frame.pixelColor(x, y).blue() < 60, red) << x << "," << y;
     }
+    ASSERT_EQ(test::failureOf(service.extractFrame(graded.output, 0.2, still, 101)), std::nullopt);
+    EXPECT_EQ(QImage(still).size(), QSize(101, 56));
+
+    // An older still would pass the existence check after a failed run.
+    EXPECT_EQ(test::failureOf(service.extractFrame(file("gone.mp4"), 0, still, 160)).value().kind(),
+              FFmpegError::Kind::conversionFailed);
+    EXPECT_FALSE(QFileInfo::exists(still));
+}
+
+// ffmpeg answers SIGTERM by finishing up and exiting with status 255 rather
+// than dying of the signal; either way of stopping must still read as a
+// cancellation.
+TEST_F(ClipConversionTest, StopTokenAndCancelEndTheChildAndDeleteNothing)
+{
+    // Long enough that x265 is still busy at its first progress report.
+    ClipConversion long_ = job({.width = 320, .height = 180, .seconds = 20}, VideoCodec::hevc);
+    service.pinSoftwareEncoders();
+    for (const bool throughToken : {true, false}) {
+        std::stop_source stop;
+        bool asked = false;
+        const auto stopAtFirstProgress = [&](double) {
+            if (!std::exchange(asked, true))
+                throughToken ? (void)stop.request_stop() : service.cancel();
+        };
+        EXPECT_EQ(test::failureOf(service.convertClip(long_, stopAtFirstProgress, stop.get_token())),
+                  FFmpegError::cancelled());
+        EXPECT_TRUE(asked);
+        EXPECT_EQ(test::ffmpegChildren(), "");
+        EXPECT_TRUE(QFileInfo::exists(long_.input));
+        EXPECT_TRUE(QFileInfo::exists(long_.output)) << "a partial output is left alone";
+    }
+
+    // Preview stills are not the tracked conversion: cancel() leaves them be.
+    auto still = service.extractFrame(long_.input, 15, file("still.png"), 160);
+    service.cancel();
+    EXPECT_EQ(test::failureOf(std::move(still)), std::nullopt);
 }
 
 // Outcomes real ffmpeg will not give on demand, from a stand-in that counts
@@ -124,7 +151,6 @@ TEST(ClipConversionRetry, OnlyAnAttemptedCopyIsRetriedAndOutputIsChecked)
     qputenv("CALLS", folder.file("calls").toUtf8());
     FFmpegService service(ToolLocator({tools, {}, {}}));
     service.pinSoftwareEncoders();
-    const auto calls = [&] { return QFileInfo(folder.file("calls")).size(); };
     for (const auto& [trim, fail, expectedCalls, message] :
          {std::tuple{false, true, 2, "Unsupported CODEC"}, {true, true, 1, "Unsupported CODEC"},
           {false, false, 1, "Output file was not created."}}) {
@@ -132,7 +158,7 @@ TEST(ClipConversionRetry, OnlyAnAttemptedCopyIsRetriedAndOutputIsChecked)
         qputenv("FAIL", fail ? "1" : "");
         ClipConversion job{.input = "/in.mov", .output = folder.file("out.mp4"), .trim = trim, .hasAudio = true};
         EXPECT_EQ(test::failureOf(service.convertClip(job, {}, {})), FFmpegError::conversionFailed(message));
-        EXPECT_EQ(calls(), expectedCalls) << "trim " << trim;
+        EXPECT_EQ(QFileInfo(folder.file("calls")).size(), expectedCalls) << "trim " << trim;
     }
     qunsetenv("FAIL");
     qunsetenv("CALLS");

@@ -1,6 +1,5 @@
 #include "engine/concat_job.h"
 #include "export_fixtures.h"
-#include "support/temp_folder.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -12,11 +11,14 @@ namespace {
 
 class ConcatenateTest : public ::testing::Test {
 protected:
-    ConcatenateTest() { QDir().mkpath(output.section('/', 0, -2)); }
+    ConcatenateTest()
+    {
+        QDir().mkpath(output.section('/', 0, -2));
+        service.pinEncoders(test::quickSoftwareEncoders());
+    }
 
     std::optional<FFmpegError> join(const QStringList& parts, double duration, std::stop_token stop = {})
     {
-        service.pinEncoders(test::quickSoftwareEncoders());
         return test::failureOf(service.concatenate(parts, output, duration, {.codec = VideoCodec::h264},
                                                    320, 180, [this](double f) { progress.push_back(f); }, stop));
     }
@@ -32,17 +34,13 @@ protected:
 // joined by stream copy.
 TEST_F(ConcatenateTest, PartsOfOneNormalizationJoinToTheSumOfTheirLengths)
 {
-    service.pinEncoders(test::quickSoftwareEncoders());
     QStringList parts;
-    const test::ClipSpec sources[] = {{.width = 320, .height = 180, .seconds = 1.0},
-                                      {.width = 160, .height = 120, .rate = "30", .seconds = 0.6, .audio = false},
-                                      {.width = 200, .height = 100, .seconds = 0.8}};
-    for (const test::ClipSpec& source : sources) {
+    for (const test::ClipSpec& source : {test::ClipSpec{.width = 320, .height = 180, .seconds = 1.0},
+                                         {.width = 160, .height = 120, .rate = "30", .seconds = 0.6, .audio = false},
+                                         {.width = 200, .height = 100, .seconds = 0.8}}) {
         parts << folder.file(QString("part it's %1.mp4").arg(parts.size()));
-        test::makeClip(parts.last() + ".src.mp4", source);
-        ClipConversion part{.input = parts.last() + ".src.mp4", .output = parts.last(), .duration = source.seconds,
-                            .width = source.width, .height = source.height, .hasAudio = source.audio,
-                            .normalization = VideoNormalization{320, 180, 25, true}};
+        ClipConversion part = test::clipJob(parts.last() + ".src.mp4", parts.last(), source);
+        part.normalization = VideoNormalization{320, 180, 25, true};
         ASSERT_FALSE(test::failureOf(service.convertClip(part, {}, {})));
     }
     EXPECT_EQ(join(parts, 2.4), std::nullopt);
@@ -54,7 +52,8 @@ TEST_F(ConcatenateTest, PartsOfOneNormalizationJoinToTheSumOfTheirLengths)
 }
 
 // MP4 cannot carry PCM audio, so copying fails and the join is re-encoded.
-TEST_F(ConcatenateTest, CopyFailureFallsBackToReencoding)
+// However the join ends, its list file goes.
+TEST_F(ConcatenateTest, CopyFailureFallsBackToReencodingAndTheListFileNeverStays)
 {
     const QString part = folder.file("camera.mov");
     test::makeClip(part, {.seconds = 0.5, .audioCodec = "pcm_s16le"});
@@ -62,10 +61,7 @@ TEST_F(ConcatenateTest, CopyFailureFallsBackToReencoding)
     EXPECT_NEAR(test::probeEntry(output, "duration", "format").toDouble(), 1.0, 0.1);
     EXPECT_EQ(test::probeEntry(output, "codec_name", "a:0"), "aac");
     EXPECT_FALSE(listFileExists());
-}
 
-TEST_F(ConcatenateTest, ListFileIsRemovedOnEveryWayOut)
-{
     EXPECT_EQ(join({}, 1), FFmpegError::conversionFailed("No clips to concatenate."));
     EXPECT_EQ(join({folder.file("missing.mp4")}, 1).value().kind(), FFmpegError::Kind::conversionFailed);
     EXPECT_FALSE(listFileExists());

@@ -1,5 +1,4 @@
 #include "export_fixtures.h"
-#include "support/temp_folder.h"
 
 #include <QTimer>
 #include <gtest/gtest.h>

@@ -1,8 +1,13 @@
+// The argument lists and filter-graph texts handed to ffmpeg.
 #include "engine/clip_conversion.h"
 #include "engine/concat_job.h"
+#include "engine/decimal_text.h"
 #include "engine/frame_extraction.h"
 #include "export_fixtures.h"
 
+#include <QProcess>
+#include <clocale>
+#include <cstdio>
 #include <gtest/gtest.h>
 
 namespace tavrelune {
@@ -27,6 +32,12 @@ QString encoding(VideoCodec codec, const QString& bitrate)
          + softwareEncoder(codec).options.join(' ') + " -pix_fmt yuv420p";
 }
 
+QString graph(double exposure, double contrast, double temperature, double saturation)
+{
+    return FFmpegService::filterGraph(std::nullopt, exposure, contrast, temperature, saturation,
+                                      std::nullopt, "yuv420p");
+}
+
 const QString head = "-nostdin -hide_banner -loglevel error -y ";
 const QString tail = " -movflags +faststart -progress pipe:1 -nostats /out/c.mp4";
 const QString aac = "-c:a aac -ar 48000 -ac 2 -b:a 192k";
@@ -39,6 +50,7 @@ TEST(ConversionArguments, FullListsOfTheTypicalJobs)
     EXPECT_TRUE(argumentsOf(fullHdClip(VideoCodec::hevc))
                     .contains(encoding(VideoCodec::hevc, "13478k") + " -tag:v hvc1 -sn -map 0:a:0? -c:a copy"));
 
+    // Trimmed audio is re-encoded; a start within a millisecond needs no seek.
     ClipConversion trimmed = fullHdClip(VideoCodec::h264);
     trimmed.trim = true;
     trimmed.startTime = 0.0005;
@@ -62,48 +74,76 @@ TEST(ConversionArguments, FullListsOfTheTypicalJobs)
               + " -shortest" + tail);
     part.watermark.reset();
     EXPECT_TRUE(argumentsOf(part).contains("-sn -map 1:a:0 -c:a aac"));
+    // Removal wins over the silent track; a combined part never copies audio.
+    part.settings.removeAudio = true;
+    EXPECT_TRUE(argumentsOf(part).endsWith("-sn -an" + tail));
+    part.settings.removeAudio = false;
+    part.hasAudio = true;
+    EXPECT_TRUE(argumentsOf(part).endsWith("-sn -map 0:a:0? " + aac + tail));
 }
 
-TEST(ConversionArguments, AudioGroup)
-{
-    struct Case { bool removeAudio, hasAudio, copyAudio, combined; QString audio; };
-    for (const Case& c : {Case{true, false, true, true, "-an"}, Case{false, false, true, false, "-an"},
-                          Case{false, true, false, false, "-map 0:a:0? " + aac},
-                          Case{false, true, true, true, "-map 0:a:0? " + aac}}) {
-        ClipConversion job = fullHdClip(VideoCodec::h264);
-        job.settings.removeAudio = c.removeAudio;
-        job.settings.copyAudio = c.copyAudio;
-        job.hasAudio = c.hasAudio;
-        if (c.combined)
-            job.normalization = VideoNormalization{1920, 1080, 25, true};
-        EXPECT_TRUE(argumentsOf(job).endsWith("-sn " + c.audio + tail)) << argumentsOf(job).toStdString();
-        EXPECT_FALSE(argumentsOf(job).contains("lavfi"));
-    }
-}
-
-TEST(ConversionArguments, ProgressAndAudioCopyFailure)
+TEST(ConversionArguments, ProgressConcatListAndStillSeek)
 {
     EXPECT_EQ(progressFraction(u"out_time_ms=5000000", 10), 0.5);
     EXPECT_EQ(progressFraction(u"out_time_ms=15000000", 10), 1.0);
-    EXPECT_EQ(progressFraction(u"out_time_ms=-40000", 10), 0.0);
+    EXPECT_EQ(progressFraction(u"out_time_ms=-40000", 10), 0.0) << "ffmpeg starts slightly below zero";
     EXPECT_EQ(progressFraction(u"out_time_ms=5000000", 0), std::nullopt);
-    EXPECT_EQ(progressFraction(u"out_time_ms=N/A", 10), std::nullopt);
-    EXPECT_EQ(progressFraction(u"out_time_us=5000000", 10), std::nullopt);
-    EXPECT_TRUE(isAudioCopyFailure("Could not find tag for CODEC pcm_s16le"));
-    EXPECT_TRUE(isAudioCopyFailure("Incompatible sample format"));
     EXPECT_FALSE(isAudioCopyFailure("Cancelled"));
-}
-
-TEST(ConcatAndFrameArguments, ListTextAndSeekTimes)
-{
     EXPECT_EQ(concatListText({"/tmp/a/001.mp4", "/tmp/it's.mp4"}),
               "file '/tmp/a/001.mp4'\nfile '/tmp/it'\\''s.mp4'\n");
-    EXPECT_EQ(concatListPath("/out/all.mp4"), "/out/tavrelune-concat.txt");
-    EXPECT_EQ(frameExtractionArguments("/c.mkv", 12.3456, "/s.png", 1280).join(' '),
-              head + "-ss 12.346 -i /c.mkv -frames:v 1 -vf scale=1280:-2:flags=bicubic,format=rgb24 "
-                     "-pix_fmt rgb24 -update 1 /s.png");
-    EXPECT_EQ(frameExtractionArguments("/c.mkv", -1, "/s.png", 640).at(6), "0.000");
-    EXPECT_EQ(frameExtractionArguments("/c.mkv", std::nan(""), "/s.png", 640).at(6), "0.000");
+    for (const double at : {-1.0, std::nan("")})
+        EXPECT_EQ(frameExtractionArguments("/c.mkv", at, "/s.png", 640).at(6), "0.000");
+}
+
+TEST(FilterGraph, AdjustmentsAppearOnlyPastTheirThresholds)
+{
+    const QString in = "format=gbrp16le,", out = ",scale=trunc(iw/2)*2:trunc(ih/2)*2,format=yuv420p";
+    EXPECT_EQ(graph(0.001, 1.001, 0.5, 0.999), in.chopped(1) + out);
+    EXPECT_EQ(graph(0.5, 1.1, 50, 1.2), in + "exposure=exposure=0.5000,colorbalance=rs=0.2000:rm=0.2000:"
+              "rh=0.2000:bs=-0.2000:bm=-0.2000:bh=-0.2000,eq=contrast=1.1000:saturation=1.2000" + out);
+    EXPECT_EQ(graph(-0.0011, 1, 0, 1), in + "exposure=exposure=-0.0011" + out);
+    // Temperature and saturation are held to what their filters take.
+    EXPECT_EQ(graph(0, 1, -600, 5), in + "colorbalance=rs=-1.0000:rm=-1.0000:rh=-1.0000:bs=1.0000:bm=1.0000:"
+              "bh=1.0000,eq=saturation=3.0000" + out);
+}
+
+TEST(FilterGraph, LutNormalizationAndEscaping)
+{
+    EXPECT_EQ(FFmpegService::filterGraph(QString(""), 0, 1, 0, 1, std::nullopt, "yuv420p"), graph(0, 1, 0, 1));
+    EXPECT_EQ(FFmpegService::filterGraph(R"(C:\l,u't[1];é.cube)", 0, 1, 0, 1,
+                                         VideoNormalization{1280, 720, 29.97002997, true}, "gbrp16le"),
+              R"(format=gbrp16le,lut3d=file=C\:\\l\,u\'t\[1\]\;é.cube:interp=tetrahedral,)"
+              "scale=1280:720:force_original_aspect_ratio=decrease,pad=1280:720:(ow-iw)/2:(oh-ih)/2,"
+              "setsar=1,fps=29.970,format=gbrp16le");
+}
+
+TEST(WatermarkFilterComplex, PlacesTheClampedWatermarkInsideTheFrame)
+{
+    EXPECT_EQ(FFmpegService::watermarkFilterComplex("G", {"/m.png", 0.75, 0.05, 0.2, 0.8, 2}, 1920, 1080),
+              "[0:v]G[v];[1:v]format=rgba,colorchannelmixer=aa=0.8000,scale=384:-1:flags=lanczos"
+              "[wm];[v][wm]overlay=1440:54:format=auto,format=yuv420p[vout]");
+    // Nearly opaque is drawn opaque; a corner position is pulled back in.
+    EXPECT_TRUE(FFmpegService::watermarkFilterComplex("G", {"/m.png", 1, 1, 0.25, 0.999, 1}, 1920, 1080)
+                    .endsWith("[1:v]format=rgba,scale=480:-1:flags=lanczos[wm];[v][wm]overlay=1440:600:"
+                              "format=auto,format=yuv420p[vout]"));
+}
+
+// Qt applications hand the user's locale to the C library, where a German
+// one makes printf write "0,5000".
+TEST(DecimalText, IgnoresTheProcessLocale)
+{
+    test::TempFolder folder;
+    if (QProcess::execute("localedef", {"-i", "de_DE", "-f", "UTF-8", folder.file("de_DE.UTF-8")}) != 0)
+        GTEST_SKIP() << "localedef cannot build de_DE";
+    setenv("LOCPATH", folder.path().toLocal8Bit().constData(), 1);
+    ASSERT_TRUE(setlocale(LC_NUMERIC, "de_DE.UTF-8"));
+    const QString text = graph(0.5, 1, 0, 1) + fixedDecimal(12.3456, 3);
+    char printed[8];
+    std::snprintf(printed, sizeof printed, "%.1f", 0.5);
+    setlocale(LC_NUMERIC, "C");
+    unsetenv("LOCPATH");
+    ASSERT_STREQ(printed, "0,5") << "the locale did not take effect";
+    EXPECT_TRUE(text.contains("exposure=0.5000,") && text.endsWith("12.346")) << text.toStdString();
 }
 
 }  // namespace

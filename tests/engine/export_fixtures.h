@@ -1,12 +1,12 @@
 // Helpers shared by the engine's export tests.
 #pragma once
 
+#include "engine/blocking_wait.h"
 #include "engine/ffmpeg_service.h"
 #include "support/media_fixtures.h"
+#include "support/temp_folder.h"
 
 #include <unistd.h>
-
-#include <qcoro/qcorotask.h>
 
 // Tests build jobs with designated initializers; GCC 12 warns about every
 // member left to its default there.
@@ -24,34 +24,16 @@ inline EncoderCatalog quickSoftwareEncoders()
     return catalog;
 }
 
-// QCoro keeps its own exception_ptr beside a task's value, so the value
-// cannot be one; and QCoro::waitFor never returns after a throw.
-struct TaskOutcome {
-    std::exception_ptr failure;
-};
-
-inline QCoro::Task<TaskOutcome> capturedFailure(QCoro::Task<void> task)
-{
-    try {
-        co_await std::move(task);
-    } catch (...) {
-        co_return TaskOutcome{std::current_exception()};
-    }
-    co_return TaskOutcome{};
-}
-
 // Runs the task to its end; the error it failed with, if any (any other
 // exception than FFmpegError comes back as its description).
 inline std::optional<FFmpegError> failureOf(QCoro::Task<void> task)
 {
-    const auto failure = QCoro::waitFor(capturedFailure(std::move(task))).failure;
     try {
-        if (failure)
-            std::rethrow_exception(failure);
+        waitForTask(std::move(task));
     } catch (const FFmpegError& error) {
         return error;
     } catch (...) {
-        return FFmpegError::conversionFailed(describe(failure));
+        return FFmpegError::conversionFailed(describe(std::current_exception()));
     }
     return std::nullopt;
 }
@@ -59,6 +41,17 @@ inline std::optional<FFmpegError> failureOf(QCoro::Task<void> task)
 inline QString ffmpegChildren()
 {
     return QString::fromUtf8(runTool("pgrep", {"-P", QString::number(getpid()), "ffmpeg"}).out);
+}
+
+// A clip with `spec` written to `path`, as a job converting it to `output`.
+inline ClipConversion clipJob(const QString& path, const QString& output, const ClipSpec& spec,
+                              VideoCodec codec = VideoCodec::h264)
+{
+    makeClip(path, spec);
+    ClipConversion job{.input = path, .output = output, .duration = spec.seconds, .width = spec.width,
+                       .height = spec.height, .hasAudio = spec.audio};
+    job.settings.codec = codec;
+    return job;
 }
 
 }  // namespace tavrelune::test

@@ -70,7 +70,6 @@ TEST_F(GradeCommand, RefusesBadArgumentsWithAReason)
         const char* message;
     } cases[] = {
         {{input, "-o", output, "--lut", badCube}, 1, "The LUT data is incomplete."},
-        {{input, "-o", output, "--lut", folder.file("none.cube")}, 1, "The LUT file could not be read."},
         {{input, "-o", output, "--exposure", "bright"}, 2, "--exposure: 'bright' is not a number"},
         {{input, "-o", output, "--contrast", "nan"}, 2, "--contrast: 'nan' is not a number"},
         {{input, "-o", folder.file("out.jpg")}, 2, "OUTPUT must be a .png file"},

@@ -13,24 +13,12 @@
 namespace tavrelune {
 namespace {
 
-CubeLUT flatCube(float value)
-{
-    return CubeLUT{2, std::make_shared<std::vector<float>>(32, value)};
-}
-
-TEST(GradeState, StartsNeutral)
-{
-    const GradeSnapshot snapshot = GradeState().snapshot();
-    EXPECT_EQ(snapshot.grade, (GradeValues{0, 1, 1, 0}));
-    EXPECT_FALSE(snapshot.lut);
-    EXPECT_FALSE(snapshot.bypass);
-}
-
 TEST(GradeState, SnapshotsUnderAConcurrentWriterNeverMixTwoGrades)
 {
     // Two grades whose every field differs; a reader must always see one of
     // them whole.
-    const GradeSnapshot older{{0.5, 1.2, 0.8, -40}, flatCube(0.25f), false};
+    const CubeLUT flat{2, std::make_shared<std::vector<float>>(32, 0.25f)};
+    const GradeSnapshot older{{0.5, 1.2, 0.8, -40}, flat, false};
     const GradeSnapshot newer{{-1, 0.7, 1.5, 120}, std::nullopt, true};
     GradeState state;
     state.assign(older);
