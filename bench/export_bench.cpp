@@ -8,6 +8,7 @@
 // time. The last output of each encoder and preset is kept in WORKDIR as
 // <codec>-<preset>.mp4, and the grade chain in WORKDIR/grade.txt, so the
 // calling script can measure quality against the graded source.
+#include "engine/blocking_wait.h"
 #include "engine/clip_conversion.h"
 #include "engine/ffmpeg_service.h"
 
@@ -18,7 +19,6 @@
 #include <benchmark/benchmark.h>
 #include <cstdio>
 
-#include <qcoro/qcorotask.h>
 
 using namespace tavrelune;
 
@@ -74,7 +74,7 @@ double timeOurs(FFmpegService& service, const ClipConversion& job)
 {
     QElapsedTimer timer;
     timer.start();
-    if (!QCoro::waitFor(convertOnce(service, job)))
+    if (!tavrelune::waitForTask(convertOnce(service, job)))
         return -1;
     return timer.nsecsElapsed() / 1e9;
 }

@@ -63,12 +63,8 @@ void JobClip::applyTo(ClipItem& clip) const
         clip.inPoint = *inPoint;
     if (outPoint)
         clip.outPoint = *outPoint;
-    if (!clip.duration)
-        return;
-    const double duration = *clip.duration;
-    if (clip.outPoint && duration < *clip.outPoint)
-        clip.outPoint = duration;
-    clip.inPoint = std::min(clip.inPoint, std::max(duration - ClipItem::minimumTrimSpan, 0.0));
+    if (clip.duration)
+        clip.clampTrimTo(*clip.duration);
 }
 
 namespace {

@@ -83,11 +83,7 @@ QCoro::Task<void> AppModel::probePendingClips()
             stored.codecName = info->codecName;
             stored.fps = info->fps;
             stored.hasAudio = info->hasAudio;
-            if (stored.outPoint && info->duration < *stored.outPoint)
-                stored.outPoint = info->duration;
-            const double inLimit = std::max(info->duration - ClipItem::minimumTrimSpan, 0.0);
-            if (stored.inPoint > inLimit)
-                stored.inPoint = inLimit;
+            stored.clampTrimTo(info->duration);
         });
     }
     --runningProbePasses_;

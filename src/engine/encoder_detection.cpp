@@ -1,7 +1,7 @@
 // FFmpegService::detectEncoders: which video encoders work on this machine.
 #include "engine/ffmpeg_service.h"
 
-#include <qcoro/qcorosignal.h>
+#include "engine/next_signal.h"
 
 namespace tavrelune {
 
@@ -33,7 +33,7 @@ QCoro::Task<void> FFmpegService::detectEncoders(std::stop_token stop)
     // Another caller's detection is under way: wait for it. If it was
     // stopped, detect here unless this caller is stopping too.
     while (detection_ == DetectionState::running) {
-        co_await qCoro(detectionSettled_.get(), &EncoderDetectionSignal::settled);
+        co_await nextSignal(detectionSettled_.get(), &EncoderDetectionSignal::settled);
         if (stop.stop_requested())
             throw FFmpegError::cancelled();
     }

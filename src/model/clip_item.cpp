@@ -79,6 +79,13 @@ double ClipItem::playheadInWindow() const
     return std::min(effectiveOutPoint(), std::max(p, effectiveInPoint()));
 }
 
+void ClipItem::clampTrimTo(double newDuration)
+{
+    if (outPoint && newDuration < *outPoint)
+        outPoint = newDuration;
+    inPoint = std::min(inPoint, std::max(newDuration - minimumTrimSpan, 0.0));
+}
+
 QString ClipItem::durationLabel() const
 {
     if (!duration)

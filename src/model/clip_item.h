@@ -53,6 +53,10 @@ struct ClipItem {
     bool isTrimmed() const;
     double playheadInWindow() const;
 
+    // Brings stored trim points inside a newly learned duration: the out
+    // point no later than the end, the in point leaving the shortest span.
+    void clampTrimTo(double newDuration);
+
     // "—" when unprobed, "0:12 / 1:05" when trimmed, else "1:05".
     QString durationLabel() const;
     // "1920×1080", or empty when either side is unknown.
