@@ -165,16 +165,45 @@ public:
     void updateWatermarkSize(double widthFraction);
     void updateWatermarkLayout(double x, double y, std::optional<double> widthFraction = std::nullopt);
 
-    // --- preview, play-all and trim (bodies arrive with the live preview) ---
+    // Moves the clips at `rows` (positions in the list) so that they land,
+    // in their relative order, before the clip that was at `destination`
+    // (the list's size: at the end). Ignored while converting.
+    void moveClips(const QList<int>& rows, int destination);
+    // Shows one clip's converted file in the file manager, selected.
+    void revealClipOutput(const QUuid& id);
+
+    // --- main preview ---
     void loadSelectedPreview();
     void clearPreview();
     void persistPlayhead();
     void scheduleFrameExtract(bool force);
     void pushLiveGradeToPreview();
-    void pausePlayback(bool stopPlayAll);
-    void loadTrimPreview();
+    void refreshFallbackStill();
+    // `seconds` counts from the start of the selected clip's trim window.
+    void updatePreviewTime(double seconds);
+    void beginScrubbing();
+    void endScrubbing();
+    void startPlayback();
     void handlePlayerTime(double seconds);
+
+    // --- play-all ---
+    void startPlayAll();
     void finishClipForPlayAll();
+    void playNextInSequence();
+    void pausePlayback(bool stopPlayAll);
+
+    // --- trim editor ---
+    void showTrimEditor();
+    void trimEditorAppeared();
+    void trimEditorDisappeared();
+    void loadTrimPreview();
+    void toggleTrimPlayback();
+    void startTrimPlayback();
+    void beginTrimScrubbing();
+    void updateTrimPlayhead(double seconds);
+    void endTrimScrubbing();
+    void updateInPoint(double seconds, bool allowPush);
+    void updateOutPoint(double seconds, bool allowPush);
     void handleTrimPlayerTime(double seconds);
     void handleTrimPlaybackEnded();
 
@@ -213,6 +242,7 @@ private:
     void setStatusMessage(const QString& message);
     void setIsPlayingAll(bool playing);
     void notifyDerived();
+    void applyTrimToMainPreview();
     // Copies the sliders' four values into a clip record.
     void applyLiveGrade(ClipItem& clip) const;
     void refreshPreviewsAfterRemoval();

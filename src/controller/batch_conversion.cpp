@@ -52,6 +52,15 @@ void AppModel::revealOutput()
     desktop_->showInFileManager(outputFolder_.toLocalFile(), QString());
 }
 
+void AppModel::revealClipOutput(const QUuid& id)
+{
+    const auto clip = std::find_if(clips_.begin(), clips_.end(), [&id](const ClipItem& c) { return c.id == id; });
+    if (clip == clips_.end() || clip->status != ClipStatus::done || !clip->outputURL || !desktop_)
+        return;
+    const QFileInfo file(clip->outputURL->toLocalFile());
+    desktop_->showInFileManager(file.absolutePath(), file.absoluteFilePath());
+}
+
 QCoro::Task<void> AppModel::conversionFinished()
 {
     QPointer<AppModel> self(this);

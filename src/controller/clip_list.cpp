@@ -153,4 +153,35 @@ void AppModel::removeSelected()
     refreshPreviewsAfterRemoval();
 }
 
+void AppModel::moveClips(const QList<int>& rows, int destination)
+{
+    if (isConverting_)
+        return;
+    const qsizetype count = clips_.size();
+    QList<int> moving;
+    for (int row : rows)
+        if (row >= 0 && row < count && !moving.contains(row))
+            moving << row;
+    if (moving.isEmpty() || destination < 0 || destination > count)
+        return;
+    std::sort(moving.begin(), moving.end());
+    // The moved clips land before the clip that was at `destination`; the
+    // ones above it shift the insertion point up by one each.
+    QList<ClipItem> taken;
+    QList<ClipItem> rest;
+    int insertAt = destination;
+    for (qsizetype row = 0; row < count; ++row) {
+        if (moving.contains(static_cast<int>(row))) {
+            taken << clips_[row];
+            if (row < destination)
+                --insertAt;
+        } else {
+            rest << clips_[row];
+        }
+    }
+    for (qsizetype i = 0; i < taken.size(); ++i)
+        rest.insert(insertAt + i, taken[i]);
+    setClips(std::move(rest));
+}
+
 }  // namespace tavrelune

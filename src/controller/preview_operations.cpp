@@ -45,17 +45,49 @@ void AppModel::persistPlayhead()
     updateClip(clip->id, [fraction](ClipItem& stored) { stored.previewFraction = fraction; });
 }
 
-void AppModel::scheduleFrameExtract(bool) {}
-void AppModel::pushLiveGradeToPreview() {}
+void AppModel::showTrimEditor()
+{
+    if (!selectedClip())
+        return;
+    pausePlayback(true);
+    ++trimWindowToken_;
+    Q_EMIT trimWindowTokenChanged();
+}
+
 void AppModel::pausePlayback(bool stopPlayAll)
 {
     clock_.setIsPlaying(false);
-    if (stopPlayAll)
+    persistPlayhead();
+    if (stopPlayAll) {
         setIsPlayingAll(false);
+        playAllAfterLoad_ = false;
+        consumedPlayAllAdvance_ = false;
+    }
 }
-void AppModel::loadTrimPreview() {}
+
+// Filled in by the live player.
+void AppModel::scheduleFrameExtract(bool) {}
+void AppModel::pushLiveGradeToPreview() {}
+void AppModel::refreshFallbackStill() {}
+void AppModel::updatePreviewTime(double) {}
+void AppModel::beginScrubbing() {}
+void AppModel::endScrubbing() {}
+void AppModel::startPlayback() {}
 void AppModel::handlePlayerTime(double) {}
+void AppModel::startPlayAll() {}
 void AppModel::finishClipForPlayAll() {}
+void AppModel::playNextInSequence() {}
+void AppModel::trimEditorAppeared() { trimEditorVisible_ = true; }
+void AppModel::trimEditorDisappeared() { trimEditorVisible_ = false; }
+void AppModel::loadTrimPreview() {}
+void AppModel::toggleTrimPlayback() {}
+void AppModel::startTrimPlayback() {}
+void AppModel::beginTrimScrubbing() {}
+void AppModel::updateTrimPlayhead(double) {}
+void AppModel::endTrimScrubbing() {}
+void AppModel::updateInPoint(double, bool) {}
+void AppModel::updateOutPoint(double, bool) {}
+void AppModel::applyTrimToMainPreview() {}
 void AppModel::handleTrimPlayerTime(double) {}
 void AppModel::handleTrimPlaybackEnded() {}
 

@@ -169,3 +169,27 @@ TEST_F(ControllerTest, ChoosersAskWithTheirMessagesAndCancellingChangesNothing)
     model->revealOutput();
     EXPECT_EQ(desktop.shown, QStringList{root.path() + "|"});
 }
+
+TEST_F(ControllerTest, MovingClipsFollowsTheMoveByOffsetsRule)
+{
+    addAndProbe({root.write("a.mov", "x"), root.write("b.mov", "x"), root.write("c.mov", "x"),
+                 root.write("d.mov", "x")});
+    // Each move starts from the order the previous one left.
+    struct Case {
+        QList<int> rows;
+        int destination;
+        QStringList expected;
+    };
+    const Case cases[] = {
+        {{0}, 2, {"b.mov", "a.mov", "c.mov", "d.mov"}},
+        {{3}, 0, {"d.mov", "b.mov", "a.mov", "c.mov"}},
+        {{0, 2}, 4, {"b.mov", "c.mov", "d.mov", "a.mov"}},
+        {{3, 1}, 1, {"b.mov", "c.mov", "a.mov", "d.mov"}},
+        {{1}, 1, {"b.mov", "c.mov", "a.mov", "d.mov"}},
+        {{1}, 9, {"b.mov", "c.mov", "a.mov", "d.mov"}},
+    };
+    for (const Case& each : cases) {
+        model->moveClips(each.rows, each.destination);
+        EXPECT_EQ(names(model->clips()), each.expected) << each.rows.first() << " to " << each.destination;
+    }
+}
