@@ -48,15 +48,17 @@ AppModel::~AppModel()
     lifetime_.request_stop();
     convertTask_.request_stop();
     ffmpeg_.cancel();
-    if (!batchRunning_ && runningProbePasses_ == 0)
+    const auto idle = [this] { return !batchRunning_ && runningProbePasses_ == 0 && !detectingEncoders_; };
+    if (idle())
         return;
     QEventLoop loop;
-    const auto quitWhenIdle = [this, &loop] {
-        if (!batchRunning_ && runningProbePasses_ == 0)
+    const auto quitWhenIdle = [&idle, &loop] {
+        if (idle())
             loop.quit();
     };
     connect(this, &AppModel::batchEnded, &loop, quitWhenIdle);
     connect(this, &AppModel::probePassEnded, &loop, quitWhenIdle);
+    connect(this, &AppModel::encodersChanged, &loop, quitWhenIdle);
     QTimer::singleShot(15000, &loop, &QEventLoop::quit);
     loop.exec();
 }

@@ -172,6 +172,14 @@ public:
     // Shows one clip's converted file in the file manager, selected.
     void revealClipOutput(const QUuid& id);
 
+    // --- encoders ---
+    // Starts finding which video encoders work here (once per launch);
+    // encodersChanged() follows when it ends.
+    void startEncoderDetection();
+    // Display label of the encoder an export with the current codec would
+    // use, e.g. "x265 (software)".
+    QString encoderLabel() const;
+
     // --- main preview ---
     void loadSelectedPreview();
     void clearPreview();
@@ -230,6 +238,8 @@ Q_SIGNALS:
     void batchEnded();
     // A probe pass ended.
     void probePassEnded();
+    // Encoder detection ended; encoderLabel() may read differently.
+    void encodersChanged();
 
 private:
     // Setters that notify only on change.
@@ -250,6 +260,7 @@ private:
     std::optional<QUrl> chooseOneFile(const QString& message, const QSet<QString>& extensions);
 
     QCoro::Task<void> probePendingClips();
+    QCoro::Task<void> detectEncodersInBackground();
     QCoro::Task<void> runBatch(QString outputFolder, std::stop_token stop);
     std::optional<QString> preparedLUTPath(const std::optional<QString>& source = std::nullopt);
     std::optional<QString> stagedLUTTarget(const QString& source) const;
@@ -289,6 +300,7 @@ private:
     std::stop_source convertTask_;  // stop handle of the latest batch task
     bool batchRunning_ = false;
     int runningProbePasses_ = 0;
+    bool detectingEncoders_ = false;
     std::optional<QString> stagedLUT_;
     std::optional<QString> stagedWatermark_;
     std::optional<QString> sourceFrameURL_;
