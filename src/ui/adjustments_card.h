@@ -1,0 +1,45 @@
+// The "Per clip" card: the selected clip's four grade sliders bound to the
+// controller's live grade, with Reset and Apply to all clips; only a hint
+// while no clip is selected.
+//
+// Every movement updates the live grade and pushes it to the preview; the
+// end of a drag stores it in the clip. Main thread. Follows the controller,
+// which must outlive it.
+#pragma once
+
+#include "ui/inspector_card.h"
+
+#include <array>
+
+class QLabel;
+
+namespace tavrelune {
+class AppModel;
+}
+
+namespace tavrelune::ui {
+
+class SliderRow;
+
+class AdjustmentsCard : public InspectorCard {
+    Q_OBJECT
+public:
+    explicit AdjustmentsCard(AppModel& model, QWidget* parent = nullptr);
+
+    bool showsSliders() const;
+    // Exposure, contrast, saturation, white balance.
+    const std::array<SliderRow*, 4>& rows() const { return rows_; }
+
+private:
+    void followSelection();
+    void followGrade();
+
+    AppModel& model_;
+    QWidget* hint_;
+    QWidget* sliders_;
+    QLabel* clipName_;
+    QWidget* controls_;
+    std::array<SliderRow*, 4> rows_{};
+};
+
+}  // namespace tavrelune::ui

@@ -1,0 +1,44 @@
+// The right pane: every export choice and per-clip grade control, as a
+// scrolling column of cards (LUT, Watermark, Per clip, Export, Output
+// folder) ending in the convert button.
+//
+// Main thread. The cards follow the controller, which must outlive them.
+#pragma once
+
+#include <QScrollArea>
+
+namespace tavrelune {
+class AppModel;
+}
+
+namespace tavrelune::ui {
+
+class AdjustmentsCard;
+class ConvertButton;
+class ExportCard;
+class LutCard;
+class OutputFolderCard;
+class WatermarkCard;
+
+class Inspector : public QScrollArea {
+    Q_OBJECT
+public:
+    explicit Inspector(AppModel& model, QWidget* parent = nullptr);
+
+    LutCard* lutCard() const { return lut_; }
+    WatermarkCard* watermarkCard() const { return watermark_; }
+    AdjustmentsCard* adjustmentsCard() const { return adjustments_; }
+    ExportCard* exportCard() const { return export_; }
+    OutputFolderCard* outputFolderCard() const { return output_; }
+    ConvertButton* convertButton() const { return convert_; }
+
+private:
+    LutCard* lut_;
+    WatermarkCard* watermark_;
+    AdjustmentsCard* adjustments_;
+    ExportCard* export_;
+    OutputFolderCard* output_;
+    ConvertButton* convert_;
+};
+
+}  // namespace tavrelune::ui
