@@ -8,8 +8,11 @@
 #ifdef TAVRELUNE_HAS_GUI
 #include "controller/app_model.h"
 #include "ui/desktop_integration.h"
+#include "ui/file_drop.h"
+#include "ui/icons.h"
 #include "ui/main_window.h"
 #include <QApplication>
+#include <QFileInfo>
 #endif
 
 namespace {
@@ -73,16 +76,23 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     QApplication::setApplicationName("Tavrelune");
     QApplication::setApplicationVersion(TAVRELUNE_VERSION);
+    QGuiApplication::setDesktopFileName("tavrelune");
+    QApplication::setWindowIcon(tavrelune::ui::icons::application());
     // The controller is made before the window and outlives it.
     tavrelune::AppModel model;
     tavrelune::ui::MainWindow window(model);
     tavrelune::ui::DesktopIntegration desktop(&window);
     model.setDesktopServices(&desktop);
+    model.startEncoderDetection();
+    // Files named on the command line (Qt's own options already taken out)
+    // arrive as if dropped on the window.
     QList<QUrl> files;
-    for (const QString& argument : arguments)
-        files << QUrl::fromLocalFile(argument);
+    for (const QString& argument : QApplication::arguments().mid(1))
+        files << (argument.startsWith(QLatin1String("file:"))
+                      ? QUrl(argument)
+                      : QUrl::fromLocalFile(QFileInfo(argument).absoluteFilePath()));
     if (!files.isEmpty())
-        model.addURLs(files);
+        model.addURLs(tavrelune::ui::FileDrop::sortedByName(files));
     window.show();
     const int status = app.exec();
     model.setDesktopServices(nullptr);

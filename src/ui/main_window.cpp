@@ -1,18 +1,126 @@
 #include "ui/main_window.h"
 
 #include "controller/app_model.h"
+#include "ui/clip_list_pane.h"
+#include "ui/error_alert.h"
+#include "ui/file_drop.h"
+#include "ui/inspector.h"
+#include "ui/main_menus.h"
+#include "ui/preview_placeholder.h"
+#include "ui/status_row.h"
+#include "ui/trim_window.h"
 
-#include <QStatusBar>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QMessageBox>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QSplitter>
+#include <QVBoxLayout>
 
 namespace tavrelune::ui {
+
+namespace {
+
+struct PaneWidths {
+    int minimum;
+    int ideal;
+    int maximum;
+};
+
+constexpr PaneWidths clipListWidths{240, 280, 360};
+constexpr PaneWidths previewWidths{460, 0, QWIDGETSIZE_MAX};
+constexpr PaneWidths inspectorWidths{300, 330, 400};
+
+void constrain(QWidget* pane, const PaneWidths& widths)
+{
+    pane->setMinimumWidth(widths.minimum);
+    pane->setMaximumWidth(widths.maximum);
+}
+
+}  // namespace
 
 MainWindow::MainWindow(AppModel& model, QWidget* parent) : QMainWindow(parent), model_(model)
 {
     setWindowTitle(QStringLiteral("Tavrelune"));
-    resize(1280, 800);
-    // The status line follows the controller.
-    connect(&model_, &AppModel::statusMessageChanged, this,
-            [this] { statusBar()->showMessage(model_.statusMessage()); });
+    setAcceptDrops(true);
+
+    clipList_ = new ClipListPane(model_);
+    preview_ = new PreviewPlaceholder(model_);
+    inspector_ = new Inspector(model_);
+    constrain(clipList_, clipListWidths);
+    constrain(preview_, previewWidths);
+    constrain(inspector_, inspectorWidths);
+
+    splitter_ = new QSplitter(Qt::Horizontal);
+    splitter_->setObjectName(QStringLiteral("panes"));
+    splitter_->setChildrenCollapsible(false);
+    splitter_->setHandleWidth(1);
+    splitter_->addWidget(clipList_);
+    splitter_->addWidget(preview_);
+    splitter_->addWidget(inspector_);
+    splitter_->setStretchFactor(0, 0);
+    splitter_->setStretchFactor(1, 1);
+    splitter_->setStretchFactor(2, 0);
+    splitter_->setSizes({clipListWidths.ideal,
+                         defaultSize.width() - clipListWidths.ideal - inspectorWidths.ideal,
+                         inspectorWidths.ideal});
+
+    statusRow_ = new StatusRow(model_);
+    auto* content = new QWidget;
+    content->setMinimumSize(minimumContentSize);
+    auto* column = new QVBoxLayout(content);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(splitter_, 1);
+    column->addWidget(statusRow_);
+    setCentralWidget(content);
+
+    menus_ = new MainMenus(model_, *this);
+    errorAlert_ = new ErrorAlert(model_, *this);
+    connect(&model_, &AppModel::trimWindowTokenChanged, this, &MainWindow::openTrimWindow);
+    resize(defaultSize.width(), defaultSize.height() + menuBar()->sizeHint().height());
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::openTrimWindow()
+{
+    if (!trimWindow_)
+        trimWindow_ = new TrimWindow(model_, this);
+    trimWindow_->present();
+}
+
+// Files dropped anywhere the panes do not take them themselves.
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (FileDrop::carriesFiles(*event->mimeData()))
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    event->acceptProposedAction();
+    model_.addURLs(FileDrop::urls(*event->mimeData()));
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (model_.isConverting()) {
+        const auto answer = QMessageBox::question(
+            this, QStringLiteral("Quit Tavrelune?"),
+            QStringLiteral("A conversion is running. Quitting stops it; clips already converted "
+                           "are kept, the one being converted is not."),
+            QMessageBox::Cancel | QMessageBox::Close, QMessageBox::Cancel);
+        if (answer != QMessageBox::Close) {
+            event->ignore();
+            return;
+        }
+        model_.cancelConversion();
+    }
+    if (trimWindow_)
+        trimWindow_->close();
+    event->accept();
 }
 
 }  // namespace tavrelune::ui

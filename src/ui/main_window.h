@@ -1,8 +1,18 @@
-// The main window. It observes the controller and calls its operations; it
-// owns no batch state of its own.
+// The main window: the clip list, the preview and the inspector side by
+// side in a splitter, above the status row; the menus; the error alert; a
+// drop target for files anywhere on the window; and the "In & Out" window
+// whenever the controller asks for the trim editor.
+//
+// Main thread. Observes the controller and calls its operations; owns no
+// batch state. The controller must outlive the window.
 #pragma once
 
+#include "ui/trim_window.h"
+
 #include <QMainWindow>
+#include <QPointer>
+
+class QSplitter;
 
 namespace tavrelune {
 class AppModel;
@@ -10,13 +20,48 @@ class AppModel;
 
 namespace tavrelune::ui {
 
+class ClipListPane;
+class ErrorAlert;
+class Inspector;
+class MainMenus;
+class StatusRow;
+
 class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
     explicit MainWindow(AppModel& model, QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    static constexpr QSize defaultSize{1280, 820};
+    static constexpr QSize minimumContentSize{1080, 680};
+
+    ClipListPane* clipList() const { return clipList_; }
+    QWidget* previewPane() const { return preview_; }
+    Inspector* inspector() const { return inspector_; }
+    StatusRow* statusRow() const { return statusRow_; }
+    MainMenus* menus() const { return menus_; }
+    ErrorAlert* errorAlert() const { return errorAlert_; }
+    QSplitter* splitter() const { return splitter_; }
+    // The "In & Out" window once it has been asked for, else null.
+    TrimWindow* trimWindow() const { return trimWindow_; }
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
+    void openTrimWindow();
+
     AppModel& model_;
+    QSplitter* splitter_;
+    ClipListPane* clipList_;
+    QWidget* preview_;
+    Inspector* inspector_;
+    StatusRow* statusRow_;
+    MainMenus* menus_;
+    ErrorAlert* errorAlert_;
+    QPointer<TrimWindow> trimWindow_;
 };
 
 }  // namespace tavrelune::ui

@@ -1,0 +1,57 @@
+// The main window's menu bar: File (add clips, choose LUT and watermark,
+// quit), Clip, Preview, Export and Help. Items are enabled and titled from
+// the controller's state and re-evaluated whenever it changes; what an item
+// does is decided by the state at the moment it is chosen.
+//
+// Main thread. Owned by the window; follows the controller, which must
+// outlive it.
+#pragma once
+
+#include <QObject>
+
+class QAction;
+class QMainWindow;
+
+namespace tavrelune {
+class AppModel;
+}
+
+namespace tavrelune::ui {
+
+class MainMenus : public QObject {
+    Q_OBJECT
+public:
+    MainMenus(AppModel& model, QMainWindow& window);
+
+    QAction* addClips() const { return addClips_; }
+    QAction* chooseLUT() const { return chooseLUT_; }
+    QAction* chooseWatermark() const { return chooseWatermark_; }
+    QAction* quit() const { return quit_; }
+    QAction* setInOut() const { return setInOut_; }
+    QAction* playPause() const { return playPause_; }
+    QAction* playAll() const { return playAll_; }
+    QAction* convertAll() const { return convertAll_; }
+    QAction* stop() const { return stop_; }
+    QAction* about() const { return about_; }
+
+private:
+    void refresh();
+    void togglePlayback();
+    void togglePlayAll();
+    void showAbout();
+
+    AppModel& model_;
+    QMainWindow& window_;
+    QAction* addClips_;
+    QAction* chooseLUT_;
+    QAction* chooseWatermark_;
+    QAction* quit_;
+    QAction* setInOut_;
+    QAction* playPause_;
+    QAction* playAll_;
+    QAction* convertAll_;
+    QAction* stop_;
+    QAction* about_;
+};
+
+}  // namespace tavrelune::ui

@@ -1,0 +1,209 @@
+// The window's frame: menus, shortcuts, status row, error alert, drops and
+// the "In & Out" window, on a real controller.
+#include "window_fixture.h"
+
+#include "ui/error_alert.h"
+#include "ui/file_drop.h"
+#include "ui/main_menus.h"
+#include "ui/status_row.h"
+#include "ui/trim_window.h"
+
+#include <QAction>
+#include <QDropEvent>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSplitter>
+
+using namespace tavrelune;
+using namespace tavrelune::test;
+
+namespace {
+
+struct MenuState {
+    bool setInOut;
+    QString playTitle;
+    bool play;
+    bool playAll;
+    bool convertAll;
+    bool stop;
+};
+
+MenuState menuState(const ui::MainMenus& menus)
+{
+    return {menus.setInOut()->isEnabled(), menus.playPause()->text(), menus.playPause()->isEnabled(),
+            menus.playAll()->isEnabled(), menus.convertAll()->isEnabled(), menus.stop()->isEnabled()};
+}
+
+void expectMenus(const ui::MainMenus& menus, const MenuState& expected, const char* when)
+{
+    const MenuState actual = menuState(menus);
+    EXPECT_EQ(actual.setInOut, expected.setInOut) << when;
+    EXPECT_EQ(actual.playTitle, expected.playTitle) << when;
+    EXPECT_EQ(actual.play, expected.play) << when;
+    EXPECT_EQ(actual.playAll, expected.playAll) << when;
+    EXPECT_EQ(actual.convertAll, expected.convertAll) << when;
+    EXPECT_EQ(actual.stop, expected.stop) << when;
+}
+
+}  // namespace
+
+TEST_F(WindowTest, OpensAtItsDefaultSizeWithThePanesInTheirLimits)
+{
+    EXPECT_EQ(window->windowTitle(), "Tavrelune");
+    EXPECT_EQ(window->centralWidget()->size(), ui::MainWindow::defaultSize);
+    EXPECT_EQ(window->centralWidget()->minimumSize(), ui::MainWindow::minimumContentSize);
+    const QList<int> widths = window->splitter()->sizes();
+    EXPECT_EQ(widths.first(), 280);
+    EXPECT_EQ(widths.last(), 330);
+
+    // Squeezed to the minimum, no pane goes below its own.
+    window->resize(ui::MainWindow::minimumContentSize);
+    QTest::qWait(50);
+    const QList<int> squeezed = window->splitter()->sizes();
+    EXPECT_GE(squeezed[0], 240);
+    EXPECT_GE(squeezed[1], 460);
+    EXPECT_GE(squeezed[2], 300);
+}
+
+TEST_F(WindowTest, MenusAreEnabledAndTitledFromTheState)
+{
+    const ui::MainMenus& menus = *window->menus();
+    expectMenus(menus, {false, "Play", false, false, false, false}, "empty");
+
+    addClips(2);
+    expectMenus(menus, {true, "Play", false, true, true, false}, "clips, the first selected");
+
+    model->clock().setIsPlayable(true);
+    model->clock().setIsPlaying(true);
+    expectMenus(menus, {true, "Pause", true, true, true, false}, "playing");
+    model->clock().setIsPlaying(false);
+
+    startConverting();
+    expectMenus(menus, {false, "Play", false, false, false, true}, "converting");
+    stopConverting();
+    expectMenus(menus, {true, "Play", true, true, true, false}, "stopped");
+}
+
+TEST_F(WindowTest, ShortcutsReachTheirOperations)
+{
+    // Shortcuts go to the active window only.
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    const auto press = [this](Qt::Key key, Qt::KeyboardModifiers modifiers) {
+        QTest::keyClick(window.get(), key, modifiers);
+    };
+    press(Qt::Key_O, Qt::ControlModifier);
+    press(Qt::Key_L, Qt::ControlModifier);
+    press(Qt::Key_W, Qt::ControlModifier | Qt::ShiftModifier);
+    QStringList asked;
+    for (const ChooserRequest& request : desktop.requests)
+        asked << request.message;
+    EXPECT_EQ(asked, (QStringList{"Select video clips", "Select a LUT (.cube)", "Select a transparent PNG or SVG"}));
+
+    addClips(1);
+    press(Qt::Key_T, Qt::ControlModifier);
+    EXPECT_EQ(model->trimWindowToken(), 1);
+    press(Qt::Key_R, Qt::ControlModifier);
+    EXPECT_TRUE(model->isConverting());
+    press(Qt::Key_Period, Qt::ControlModifier);
+    EXPECT_FALSE(model->isConverting());
+    EXPECT_EQ(model->statusMessage(), "Conversion stopped.");
+    waitForTask(model->conversionFinished());
+}
+
+TEST_F(WindowTest, SetInAndOutOpensOneWindowAndRaisesItAgain)
+{
+    addClips(1);
+    EXPECT_EQ(window->trimWindow(), nullptr) << "nothing opens before it is asked for";
+    window->menus()->setInOut()->trigger();
+    ui::TrimWindow* first = window->trimWindow();
+    ASSERT_NE(first, nullptr);
+    EXPECT_TRUE(first->isVisible());
+    EXPECT_EQ(first->windowTitle(), "In & Out");
+
+    first->close();
+    window->menus()->setInOut()->trigger();
+    EXPECT_EQ(model->trimWindowToken(), 2);
+    EXPECT_EQ(window->trimWindow(), first);
+    EXPECT_TRUE(first->isVisible());
+}
+
+TEST_F(WindowTest, StatusRowShowsProgressWhileConvertingAndSummarisesTheBatch)
+{
+    const struct {
+        qsizetype clips;
+        QUrl lut;
+        const char* summary;
+    } cases[] = {
+        {0, {}, "0 clips \u00B7 no LUT"},
+        {1, {}, "1 clip \u00B7 no LUT"},
+        {3, QUrl::fromLocalFile("/looks/Warm.cube"), "3 clips \u00B7 Warm.cube"},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(ui::StatusRow::summary(each.clips, each.lut), QString::fromUtf8(each.summary));
+
+    ui::StatusRow& row = *window->statusRow();
+    EXPECT_EQ(row.summaryText(), QString::fromUtf8("0 clips \u00B7 no LUT"));
+    EXPECT_FALSE(row.showsProgress());
+    addClips(2);
+    EXPECT_EQ(row.summaryText(), QString::fromUtf8("2 clips \u00B7 no LUT"));
+
+    startConverting();
+    EXPECT_TRUE(row.showsProgress());
+    EXPECT_LE(row.progressBar()->maximumWidth(), 220);
+    QTest::mouseClick(row.stopButton(), Qt::LeftButton);
+    EXPECT_FALSE(model->isConverting());
+    EXPECT_FALSE(row.showsProgress());
+    EXPECT_EQ(row.statusText(), "Conversion stopped.");
+    waitForTask(model->conversionFinished());
+}
+
+TEST_F(WindowTest, ErrorAlertFollowsTheMessageAndClearsItWhenDismissed)
+{
+    model->setErrorMessage("First problem");
+    QMessageBox* box = window->errorAlert()->box();
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->windowTitle(), "Error");
+    EXPECT_EQ(box->text(), "First problem");
+    model->setErrorMessage("Second problem");
+    EXPECT_EQ(window->errorAlert()->box(), box) << "one alert, its text replaced";
+    EXPECT_EQ(box->text(), "Second problem");
+
+    QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
+    EXPECT_TRUE(model->errorMessage().isEmpty());
+
+    model->setErrorMessage("Third problem");
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window->errorAlert()->box()));
+    QTest::keyClick(window->errorAlert()->box(), Qt::Key_Escape);
+    EXPECT_TRUE(model->errorMessage().isEmpty()) << "Escape dismisses too";
+
+    model->setErrorMessage("Fourth problem");
+    model->setErrorMessage(QString());
+    QTest::qWait(20);
+    EXPECT_EQ(window->errorAlert()->box(), nullptr) << "cleared elsewhere, the alert goes";
+}
+
+TEST_F(WindowTest, FilesDroppedOnTheWindowAreAddedInNameOrder)
+{
+    const QString ten = clip("clip10.mp4", {.seconds = 0.3});
+    const QString two = clip("clip2.mp4", {.seconds = 0.3});
+    const QString one = clip("Clip1.mp4", {.seconds = 0.3});
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(ten), QUrl("https://example.com/clip3.mp4"), QUrl::fromLocalFile(two),
+                  QUrl::fromLocalFile(one)});
+    // Dropped on the preview pane, which takes no drops of its own.
+    QWidget* target = window->previewPane();
+    const QPoint at = target->rect().center();
+    QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.get(), &drop);
+    QStringList names;
+    for (const ClipItem& each : model->clips())
+        names << each.name;
+    EXPECT_EQ(names, (QStringList{"Clip1.mp4", "clip2.mp4", "clip10.mp4"}));
+    waitForTask(model->probesFinished());
+}
