@@ -1,0 +1,185 @@
+// Renders the main window in its main states into PNG files, for people to
+// look at: empty; three clips with one selected, graded and trimmed;
+// converting; the error alert; the "In & Out" window. Real clips made by
+// ffmpeg, the real controller, the real widgets.
+//
+// Usage: window_screenshots OUTPUT_FOLDER (run under an X server).
+#include "controller/app_model.h"
+#include "engine/blocking_wait.h"
+#include "support/media_fixtures.h"
+#include "ui/file_drop.h"
+#include "ui/main_window.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QPainter>
+#include <QScreen>
+#include <QTemporaryDir>
+#include <QThread>
+#include <cstdio>
+
+using namespace tavrelune;
+
+namespace {
+
+void settle(int milliseconds = 250)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < milliseconds) {
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(10);
+    }
+}
+
+bool waitUntil(const std::function<bool()>& condition, int timeoutMs)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.elapsed() > timeoutMs)
+            return false;
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(5);
+    }
+    return true;
+}
+
+void save(const QPixmap& picture, const QString& folder, const QString& name)
+{
+    const QString path = QDir(folder).filePath(name);
+    if (!picture.save(path))
+        std::fprintf(stderr, "could not write %s\n", qPrintable(path));
+    else
+        std::printf("%s\n", qPrintable(path));
+}
+
+// What the screen shows where the window is (dialogs included).
+QPixmap screenArea(const QWidget& window)
+{
+    return window.screen()->grabWindow(0, window.x(), window.y(), window.width(), window.height());
+}
+
+QString writeLogo(const QString& path)
+{
+    QImage logo(360, 120, QImage::Format_ARGB32_Premultiplied);
+    logo.fill(Qt::transparent);
+    QPainter painter(&logo);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(QColor(255, 255, 255, 230));
+    painter.setPen(Qt::NoPen);
+    painter.drawRoundedRect(QRectF(4, 4, 352, 112), 24, 24);
+    painter.setPen(QColor(30, 30, 60));
+    QFont font = painter.font();
+    font.setPixelSize(56);
+    font.setBold(true);
+    painter.setFont(font);
+    painter.drawText(logo.rect(), Qt::AlignCenter, QStringLiteral("NORTH"));
+    painter.end();
+    logo.save(path);
+    return path;
+}
+
+QString writeWarmCube(const QString& path)
+{
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    file.write("TITLE \"Warm\"\nLUT_3D_SIZE 2\n0.05 0 0\n1 0.02 0\n0.05 1 0\n1 1 0\n0.05 0 0.9\n1 0 0.9\n0.05 1 0.9\n1 1 0.9\n");
+    return path;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: window_screenshots OUTPUT_FOLDER\n");
+        return 2;
+    }
+    const QString shots = QString::fromLocal8Bit(argv[1]);
+    QDir().mkpath(shots);
+    QTemporaryDir root;
+    const QString media = root.filePath("Card A");
+    QDir().mkpath(media);
+    const QString output = root.filePath("Delivery");
+
+    // Clips like a small shoot: the middle one long enough to watch it convert.
+    test::makeClip(media + "/A001_harbour.mov", {.width = 1280, .height = 720, .seconds = 4, .pattern = "testsrc2"});
+    test::makeClip(media + "/A002_pier_walk.mov", {.width = 1920, .height = 1080, .rate = "25", .seconds = 20,
+                                                   .pattern = "testsrc"});
+    test::makeClip(media + "/A010_sunset_wide.mp4", {.width = 3840, .height = 2160, .seconds = 6, .audio = false,
+                                                     .pattern = "smptehdbars"});
+    const QString cube = writeWarmCube(root.filePath("Warm.cube"));
+    const QString logo = writeLogo(root.filePath("north-logo.png"));
+
+    AppModel::Options options;
+    options.outputFolder = std::optional<QString>(output);
+    options.workspace = root.filePath("work");
+    AppModel model(options);
+    model.ffmpeg().pinSoftwareEncoders();
+    ui::MainWindow window(model);
+    window.move(40, 40);
+    window.show();
+    settle(600);
+    save(window.grab(), shots, "1-empty.png");
+
+    // A batch: three clips, a LUT and a watermark, the second clip graded
+    // and trimmed, the first one graded too.
+    QList<QUrl> files;
+    for (const QString& name : QDir(media).entryList(QDir::Files))
+        files << QUrl::fromLocalFile(QDir(media).filePath(name));
+    files << QUrl::fromLocalFile(cube) << QUrl::fromLocalFile(logo);
+    model.addURLs(ui::FileDrop::sortedByName(files));
+    waitForTask(model.probesFinished());
+    const QUuid first = model.clips().at(0).id;
+    const QUuid second = model.clips().at(1).id;
+    model.selectClip(first);
+    model.liveGrade().setExposure(0.3);
+    model.liveGrade().setTemperature(12);
+    model.commitLiveGrade();
+    model.selectClip(second);
+    model.liveGrade().setExposure(-0.35);
+    model.liveGrade().setContrast(1.15);
+    model.liveGrade().setSaturation(0.85);
+    model.liveGrade().setTemperature(18);
+    model.commitLiveGrade();
+    model.updateClip(second, [](ClipItem& clip) {
+        clip.inPoint = 2.5;
+        clip.outPoint = 14.0;
+    });
+    settle();
+    save(window.grab(), shots, "2-batch.png");
+
+    // Converting: the first clip done, the second under way; the third is
+    // shown failed (a real batch stops at its first failure, so that row is
+    // set directly to show how a failure looks beside a running batch).
+    model.startConversion();
+    const bool reached = waitUntil([&] { return model.conversionFraction() >= 0.4; }, 300000);
+    const QUuid third = model.clips().at(2).id;
+    model.updateClip(third, [](ClipItem& clip) {
+        clip.status = ClipStatus::failed;
+        clip.errorMessage = QStringLiteral("ffmpeg exited with status 1: Error opening input file "
+                                           "A010_sunset_wide.mp4: Invalid data found when processing input");
+    });
+    settle(150);
+    save(window.grab(), shots, reached ? "3-converting.png" : "3-converting-late.png");
+    model.cancelConversion();
+    waitForTask(model.conversionFinished());
+
+    // The error alert over the window.
+    model.setErrorMessage(QStringLiteral("The output folder “Delivery” could not be created: permission denied."));
+    settle(500);
+    save(screenArea(window), shots, "4-error.png");
+    model.setErrorMessage(QString());
+    settle();
+
+    // The "In & Out" window for the selected clip.
+    model.showTrimEditor();
+    settle(500);
+    if (window.trimWindow())
+        save(window.trimWindow()->grab(), shots, "5-in-and-out.png");
+    window.close();
+    return 0;
+}
