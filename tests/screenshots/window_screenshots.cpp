@@ -1,6 +1,7 @@
 // Renders the main window in its main states into PNG files, for people to
 // look at: empty; three clips with one selected, graded and trimmed;
-// converting; the error alert; the "In & Out" window. Real clips made by
+// converting; the error alert; the window at its smallest; the "In & Out"
+// window. Real clips made by
 // ffmpeg, the real controller, the real widgets.
 //
 // Usage: window_screenshots OUTPUT_FOLDER (run under an X server).
@@ -173,6 +174,14 @@ int main(int argc, char** argv)
     settle(500);
     save(screenArea(window), shots, "4-error.png");
     model.setErrorMessage(QString());
+    settle();
+
+    // The smallest the window goes, where long names must give way.
+    const QSize normal = window.size();
+    window.resize(window.minimumSizeHint());
+    settle(300);
+    save(window.grab(), shots, "6-smallest.png");
+    window.resize(normal);
     settle();
 
     // The "In & Out" window for the selected clip.
