@@ -127,6 +127,14 @@ TEST_F(InspectorTest, HintAndConvertButtonFollowTheClipsAndSettings)
     }
     model->setSettings({.codec = VideoCodec::h264});
     EXPECT_EQ(exportCard().hint(), "Encoding with x264 (software). Audio is copied when possible.");
+
+    // Whatever detection settles on is named once it ends.
+    EncoderCatalog found;
+    found.setEncoder(VideoCodec::h264, {"h264_nvenc", "NVENC (hardware)", {}, true});
+    model->ffmpeg().pinEncoders(found);
+    model->startEncoderDetection();
+    QTest::qWait(20);
+    EXPECT_EQ(exportCard().hint(), "Encoding with NVENC (hardware). Audio is copied when possible.");
 }
 
 TEST_F(InspectorTest, ExportControlsWriteTheSettings)
