@@ -62,7 +62,6 @@ AdjustmentsCard::AdjustmentsCard(AppModel& model, QWidget* parent)
     auto* controlColumn = new QVBoxLayout(controls_);
     controlColumn->setContentsMargins(0, 0, 0, 0);
     controlColumn->setSpacing(8);
-    LiveGrade& grade = model_.liveGrade();
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         const GradeSlider& spec = gradeSliders()[i];
         rows_[i] = new SliderRow(QString::fromLatin1(spec.title), spec.minimum, spec.maximum, spec.format);
@@ -79,17 +78,18 @@ AdjustmentsCard::AdjustmentsCard(AppModel& model, QWidget* parent)
     }
 
     // "Cool" and "Warm" sit right under the white-balance slider.
-    auto* coolWarm = new QWidget;
-    auto* ends = new QHBoxLayout(coolWarm);
-    ends->setContentsMargins(0, 0, 0, 0);
-    for (const QString& text : {QStringLiteral("Cool"), QStringLiteral("Warm")}) {
+    const auto scaleEnd = [this](const QString& text) {
         auto* label = new QLabel(text);
         label->setFont(appearance::caption2(font()));
         appearance::setTextColor(label, appearance::tertiaryText(palette()));
-        ends->addWidget(label);
-        if (ends->count() == 1)
-            ends->addStretch(1);
-    }
+        return label;
+    };
+    auto* coolWarm = new QWidget;
+    auto* ends = new QHBoxLayout(coolWarm);
+    ends->setContentsMargins(0, 0, 0, 0);
+    ends->addWidget(scaleEnd(QStringLiteral("Cool")));
+    ends->addStretch(1);
+    ends->addWidget(scaleEnd(QStringLiteral("Warm")));
     rows_.back()->addFooter(coolWarm);
 
     auto* buttons = new QHBoxLayout;
@@ -109,6 +109,7 @@ AdjustmentsCard::AdjustmentsCard(AppModel& model, QWidget* parent)
     body()->addWidget(hint_);
     body()->addWidget(sliders_);
 
+    const LiveGrade& grade = model_.liveGrade();
     connect(&grade, &LiveGrade::exposureChanged, this, &AdjustmentsCard::followGrade);
     connect(&grade, &LiveGrade::contrastChanged, this, &AdjustmentsCard::followGrade);
     connect(&grade, &LiveGrade::saturationChanged, this, &AdjustmentsCard::followGrade);
