@@ -1,0 +1,516 @@
+#include "preview/clip_preview_player.h"
+
+#include "preview/preview_filter.h"
+#include "preview/sw_frame_renderer.h"
+
+#include <mpv/client.h>
+
+#include <QCoreApplication>
+#include <QVariant>
+#include <clocale>
+#include <cmath>
+
+namespace tavrelune {
+
+namespace {
+
+// Reply tags: the kind of request in the top byte, its serial below.
+constexpr std::uint64_t loadTag = 1ull << 56;
+constexpr std::uint64_t seekTag = 2ull << 56;
+constexpr std::uint64_t tagMask = 0xFFull << 56;
+constexpr std::uint64_t preloadedHook = 1;
+
+enum Observed : std::uint64_t { timePosition = 1, endReached = 2 };
+
+QVariant toVariant(const mpv_node& node)
+{
+    switch (node.format) {
+    case MPV_FORMAT_STRING:
+        return QString::fromUtf8(node.u.string);
+    case MPV_FORMAT_FLAG:
+        return node.u.flag != 0;
+    case MPV_FORMAT_INT64:
+        return static_cast<qlonglong>(node.u.int64);
+    case MPV_FORMAT_DOUBLE:
+        return node.u.double_;
+    case MPV_FORMAT_NODE_ARRAY: {
+        QVariantList list;
+        for (int i = 0; i < node.u.list->num; ++i)
+            list << toVariant(node.u.list->values[i]);
+        return list;
+    }
+    case MPV_FORMAT_NODE_MAP: {
+        QVariantMap map;
+        for (int i = 0; i < node.u.list->num; ++i)
+            map.insert(QString::fromUtf8(node.u.list->keys[i]), toVariant(node.u.list->values[i]));
+        return map;
+    }
+    default:
+        return {};
+    }
+}
+
+QVariantList trackList(mpv_handle* mpv)
+{
+    mpv_node node{};
+    if (mpv_get_property(mpv, "track-list", MPV_FORMAT_NODE, &node) < 0)
+        return {};
+    const QVariantList tracks = toVariant(node).toList();
+    mpv_free_node_contents(&node);
+    return tracks;
+}
+
+bool isMovingPicture(const QVariantMap& track)
+{
+    return track.value("type").toString() == QLatin1String("video") && !track.value("albumart").toBool()
+        && !track.value("image").toBool();
+}
+
+// The track mpv's automatic choice would take: the default one, else the first.
+std::optional<QVariantMap> chosenVideoTrack(const QVariantList& tracks)
+{
+    std::optional<QVariantMap> first;
+    for (const QVariant& entry : tracks) {
+        const QVariantMap track = entry.toMap();
+        if (!isMovingPicture(track))
+            continue;
+        if (track.value("default").toBool())
+            return track;
+        if (!first)
+            first = track;
+    }
+    return first;
+}
+
+}  // namespace
+
+struct ClipPreviewPlayer::PendingLoad {
+    std::optional<bool> result;
+    std::coroutine_handle<> waiter;
+
+    void resolve(bool playable)
+    {
+        result = playable;
+        if (waiter)  // resumed from the event loop, never inside our own event handling
+            QMetaObject::invokeMethod(QCoreApplication::instance(), [w = waiter] { w.resume(); },
+                                      Qt::QueuedConnection);
+    }
+};
+
+struct ClipPreviewPlayer::LoadAwaiter {
+    std::shared_ptr<PendingLoad> pending;
+    bool await_ready() const noexcept { return pending->result.has_value(); }
+    void await_suspend(std::coroutine_handle<> waiter) noexcept { pending->waiter = waiter; }
+    bool await_resume() const noexcept { return pending->result.value_or(false); }
+};
+
+ClipPreviewPlayer::ClipPreviewPlayer(Options options, QObject* parent)
+    : QObject(parent), options_(std::move(options))
+{
+    reportTimer_.setSingleShot(true);
+    connect(&reportTimer_, &QTimer::timeout, this, &ClipPreviewPlayer::deliverTime);
+}
+
+ClipPreviewPlayer::~ClipPreviewPlayer()
+{
+    // Waiting loads resume later and touch only their own record.
+    for (const auto& waiter : std::exchange(waiters_, {}))
+        waiter->resolve(false);
+    destroyCore();
+}
+
+bool ClipPreviewPlayer::ensureCore()
+{
+    if (mpv_)
+        return true;
+    if (coreFailed_)
+        return false;
+    // mpv refuses to start under a locale with another decimal separator;
+    // Qt sets the user's locale when the application object is made.
+    std::setlocale(LC_NUMERIC, "C");
+    mpv_ = mpv_create();
+    if (!mpv_) {
+        qWarning("tavrelune: live preview unavailable: mpv could not be created");
+        coreFailed_ = true;
+        return false;
+    }
+    const auto option = [this](const char* name, const QString& value) {
+        mpv_set_option_string(mpv_, name, value.toUtf8().constData());
+    };
+    option("config", "no");  // the user's mpv.conf must not change the preview
+    option("vo", "libmpv");
+    if (!options_.audioOutput.isEmpty())
+        option("ao", options_.audioOutput);
+    option("audio-client-name", "Tavrelune");
+    option("hwdec", "auto-copy-safe");
+    option("idle", "yes");
+    option("pause", "yes");
+    option("keep-open", "yes");  // the end pauses on the last frame instead of unloading
+    option("audio-display", "no");
+    option("video-rotate", "no");  // rotated by our own filter (see preview_filter.h)
+    // Frames are handed over when due rather than early, since the render
+    // call does not wait for their display time.
+    option("video-timing-offset", "0");
+    option("sid", "no");
+    option("osd-level", "0");
+    option("ytdl", "no");
+    option("load-scripts", "no");
+    option("input-default-bindings", "no");
+
+    if (mpv_initialize(mpv_) >= 0) {
+        renderer_ = SwFrameRenderer::create(mpv_, [this] {
+            if (!frameSignalQueued_.exchange(true))
+                QMetaObject::invokeMethod(this, [this] {
+                    frameSignalQueued_ = false;
+                    Q_EMIT frameAvailable();
+                }, Qt::QueuedConnection);
+        });
+    }
+    if (!renderer_) {
+        qWarning("tavrelune: live preview unavailable: mpv could not start its video output");
+        mpv_terminate_destroy(mpv_);
+        mpv_ = nullptr;
+        coreFailed_ = true;
+        return false;
+    }
+    renderer_->setStatistics(statistics_);
+    mpv_observe_property(mpv_, timePosition, "time-pos", MPV_FORMAT_DOUBLE);
+    mpv_observe_property(mpv_, endReached, "eof-reached", MPV_FORMAT_FLAG);
+    mpv_hook_add(mpv_, preloadedHook, "on_preloaded", 0);
+    mpv_set_wakeup_callback(mpv_, [](void* context) {
+        auto* self = static_cast<ClipPreviewPlayer*>(context);
+        if (!self->drainQueued_.exchange(true))
+            QMetaObject::invokeMethod(self, [self] { self->drainEvents(); }, Qt::QueuedConnection);
+    }, this);
+    return true;
+}
+
+void ClipPreviewPlayer::destroyCore()
+{
+    if (!mpv_)
+        return;
+    mpv_set_wakeup_callback(mpv_, nullptr, nullptr);
+    // Stop while the render thread still serves mpv, so nothing waits on it.
+    const char* stop[] = {"stop", nullptr};
+    mpv_command(mpv_, stop);
+    renderer_.reset();  // the render context goes before the core
+    mpv_terminate_destroy(mpv_);
+    mpv_ = nullptr;
+}
+
+void ClipPreviewPlayer::command(std::initializer_list<QByteArray> arguments, std::uint64_t userdata)
+{
+    if (!mpv_)
+        return;
+    std::vector<const char*> argv;
+    for (const QByteArray& argument : arguments)
+        argv.push_back(argument.constData());
+    argv.push_back(nullptr);
+    mpv_command_async(mpv_, userdata, argv.data());
+}
+
+void ClipPreviewPlayer::setFlag(const char* name, bool value)
+{
+    if (!mpv_)
+        return;
+    int flag = value ? 1 : 0;
+    mpv_set_property_async(mpv_, 0, name, MPV_FORMAT_FLAG, &flag);
+}
+
+void ClipPreviewPlayer::play()
+{
+    setFlag("pause", false);
+}
+
+void ClipPreviewPlayer::pause()
+{
+    setFlag("pause", true);
+}
+
+QCoro::Task<bool> ClipPreviewPlayer::load(QUrl url)
+{
+    pause();
+    ignoreTimeUpdates_ = true;
+    pendingTime_.reset();
+    activeSeek_.reset();
+    hasItem_ = false;
+    endReported_ = false;
+    auto pending = std::make_shared<PendingLoad>();
+    if (!ensureCore()) {
+        ignoreTimeUpdates_ = false;
+        co_return false;
+    }
+    renderer_->endContent();
+    waiters_.push_back(pending);
+    loadPending_ = true;
+    pendingEntry_.reset();
+    const QString path = url.isLocalFile() ? url.toLocalFile() : url.toString();
+    command({"loadfile", path.toUtf8(), "replace"}, loadTag | ++loadSerial_);
+    // From here on only `pending` is touched: the player may be gone when
+    // this resumes.
+    co_return co_await LoadAwaiter{std::move(pending)};
+}
+
+void ClipPreviewPlayer::settleLoads(bool playable)
+{
+    loadPending_ = false;
+    pendingEntry_.reset();
+    ignoreTimeUpdates_ = false;
+    if (playable) {
+        hasItem_ = true;
+        loadID_ = QUuid::createUuid();
+        Q_EMIT loadIDChanged(loadID_);
+    } else {
+        hasItem_ = false;
+        renderer_->endContent();
+        command({"stop"});
+    }
+    for (const auto& waiter : std::exchange(waiters_, {}))
+        waiter->resolve(playable);
+}
+
+void ClipPreviewPlayer::unload()
+{
+    pause();
+    ignoreTimeUpdates_ = true;
+    pendingTime_.reset();
+    activeSeek_.reset();
+    hasItem_ = false;
+    endReported_ = false;
+    loadPending_ = false;
+    pendingEntry_.reset();
+    if (mpv_) {
+        renderer_->endContent();
+        command({"stop"});
+    }
+    for (const auto& waiter : std::exchange(waiters_, {}))
+        waiter->resolve(false);
+    loadID_ = QUuid::createUuid();
+    ignoreTimeUpdates_ = false;
+    Q_EMIT loadIDChanged(loadID_);
+}
+
+void ClipPreviewPlayer::seek(double seconds, bool precise)
+{
+    if (!hasItem_ || !std::isfinite(seconds))
+        return;
+    ++seekGeneration_;
+    ignoreTimeUpdates_ = true;
+    pendingTime_.reset();
+    activeSeek_ = ActiveSeek{seconds, precise, false};
+    // A tolerant seek first tries the key frame before the target, which
+    // needs no decoding up to the frame; seekRestarted() makes it exact
+    // when that key frame lies outside the tolerance.
+    issueSeek(seconds, precise);
+}
+
+void ClipPreviewPlayer::issueSeek(double seconds, bool exact)
+{
+    command({"seek", QByteArray::number(seconds, 'f', 6), exact ? "absolute+exact" : "absolute+keyframes"},
+            seekTag | ++issuedSeekCommands_);
+}
+
+void ClipPreviewPlayer::seekRestarted()
+{
+    // Only the newest seek's completion counts: mpv acknowledges seek
+    // commands in order and restarts playback after the ones it has taken.
+    if (!activeSeek_ || acknowledgedSeekCommands_ != issuedSeekCommands_)
+        return;
+    if (!activeSeek_->precise && !activeSeek_->refined) {
+        double landed = 0;
+        if (mpv_get_property(mpv_, "time-pos", MPV_FORMAT_DOUBLE, &landed) >= 0
+            && std::abs(landed - activeSeek_->target) > seekTolerance) {
+            activeSeek_->refined = true;
+            issueSeek(activeSeek_->target, true);
+            return;
+        }
+    }
+    activeSeek_.reset();
+    ignoreTimeUpdates_ = false;
+}
+
+std::optional<double> ClipPreviewPlayer::position() const
+{
+    double seconds = 0;
+    if (!hasItem_ || mpv_get_property(mpv_, "time-pos", MPV_FORMAT_DOUBLE, &seconds) < 0)
+        return std::nullopt;
+    return seconds;
+}
+
+std::shared_ptr<const VideoFrame> ClipPreviewPlayer::latestFrame() const
+{
+    return renderer_ ? renderer_->latest() : nullptr;
+}
+
+void ClipPreviewPlayer::setStatistics(std::shared_ptr<FrameStatistics> statistics)
+{
+    statistics_ = std::move(statistics);
+    if (renderer_)
+        renderer_->setStatistics(statistics_);
+}
+
+ClipPreviewPlayer::PlaybackCounters ClipPreviewPlayer::counters() const
+{
+    PlaybackCounters counters;
+    if (!mpv_)
+        return counters;
+    mpv_get_property(mpv_, "decoder-frame-drop-count", MPV_FORMAT_INT64, &counters.droppedByDecoder);
+    mpv_get_property(mpv_, "frame-drop-count", MPV_FORMAT_INT64, &counters.droppedByOutput);
+    mpv_get_property(mpv_, "vo-delayed-frame-count", MPV_FORMAT_INT64, &counters.delayed);
+    return counters;
+}
+
+void ClipPreviewPlayer::drainEvents()
+{
+    drainQueued_ = false;
+    // A callback below may spin a nested event loop; the outer loop goes on
+    // draining once it returns.
+    if (draining_)
+        return;
+    draining_ = true;
+    while (mpv_) {
+        const mpv_event* event = mpv_wait_event(mpv_, 0);
+        if (event->event_id == MPV_EVENT_NONE)
+            break;
+        handle(*event);
+    }
+    draining_ = false;
+}
+
+void ClipPreviewPlayer::handle(const mpv_event& event)
+{
+    switch (event.event_id) {
+    case MPV_EVENT_COMMAND_REPLY:
+        handleReply(event.reply_userdata, event.error, event);
+        break;
+    case MPV_EVENT_START_FILE:
+        startedEntry_ = static_cast<const mpv_event_start_file*>(event.data)->playlist_entry_id;
+        endReported_ = false;
+        break;
+    case MPV_EVENT_HOOK:
+        prepareVideo(static_cast<const mpv_event_hook*>(event.data)->id);
+        break;
+    case MPV_EVENT_FILE_LOADED:
+        inspectLoadedFile();
+        break;
+    case MPV_EVENT_END_FILE: {
+        const auto* end = static_cast<const mpv_event_end_file*>(event.data);
+        if (loadPending_ && pendingEntry_ == end->playlist_entry_id)
+            settleLoads(false);  // the file could not be opened
+        break;
+    }
+    case MPV_EVENT_PLAYBACK_RESTART:
+        seekRestarted();
+        break;
+    case MPV_EVENT_PROPERTY_CHANGE:
+        handlePropertyChange(event);
+        break;
+    default:
+        break;
+    }
+}
+
+void ClipPreviewPlayer::handleReply(std::uint64_t userdata, int error, const mpv_event& event)
+{
+    const std::uint64_t serial = userdata & ~tagMask;
+    if ((userdata & tagMask) == loadTag) {
+        if (!loadPending_ || serial != loadSerial_)
+            return;
+        if (error < 0) {
+            settleLoads(false);
+            return;
+        }
+        const auto* reply = static_cast<const mpv_event_command*>(event.data);
+        const QVariantMap result = toVariant(reply->result).toMap();
+        pendingEntry_ = result.value("playlist_entry_id").toLongLong();
+    } else if ((userdata & tagMask) == seekTag) {
+        acknowledgedSeekCommands_ = std::max(acknowledgedSeekCommands_, serial);
+        if (error < 0 && serial == issuedSeekCommands_ && activeSeek_) {
+            activeSeek_.reset();
+            ignoreTimeUpdates_ = false;
+        }
+    }
+}
+
+// Runs while mpv holds the file between opening it and creating its
+// decoders: the one moment the frame size can be fixed before any frame.
+void ClipPreviewPlayer::prepareVideo(std::uint64_t hookID)
+{
+    if (loadPending_ && pendingEntry_ == startedEntry_) {
+        if (const auto track = chosenVideoTrack(trackList(mpv_))) {
+            VideoTrackShape shape;
+            shape.width = track->value("demux-w").toLongLong();
+            shape.height = track->value("demux-h").toLongLong();
+            shape.pixelAspect = track->value("demux-par", 1.0).toDouble();
+            shape.rotation = track->value("demux-rotation", 0).toInt();
+            const PreviewFilter filter = previewFilterFor(shape);
+            if (!filter.frameSize.isEmpty()) {
+                mpv_set_property_string(mpv_, "file-local-options/vid",
+                                        track->value("id").toByteArray().constData());
+                mpv_set_property_string(mpv_, "file-local-options/vf", filter.mpvFilter.toUtf8().constData());
+                renderer_->beginContent(filter.frameSize);
+            }
+        }
+    }
+    mpv_hook_continue(mpv_, hookID);
+}
+
+void ClipPreviewPlayer::inspectLoadedFile()
+{
+    if (!loadPending_ || pendingEntry_ != startedEntry_)
+        return;
+    bool playable = false;
+    for (const QVariant& entry : trackList(mpv_)) {
+        const QVariantMap track = entry.toMap();
+        // A video track whose decoder mpv could not open is deselected.
+        if (isMovingPicture(track) && track.value("selected").toBool()
+            && !track.value("decoder-desc").toString().isEmpty())
+            playable = true;
+    }
+    // Frames only reach the views when the size was fixed in prepareVideo.
+    settleLoads(playable && renderer_->isPublishing());
+}
+
+void ClipPreviewPlayer::handlePropertyChange(const mpv_event& event)
+{
+    const auto* property = static_cast<const mpv_event_property*>(event.data);
+    if (event.reply_userdata == timePosition && property->format == MPV_FORMAT_DOUBLE) {
+        timeChanged(*static_cast<const double*>(property->data));
+    } else if (event.reply_userdata == endReached) {
+        const bool ended = property->format == MPV_FORMAT_FLAG && *static_cast<const int*>(property->data) != 0;
+        if (!ended) {
+            endReported_ = false;
+        } else if (hasItem_ && !endReported_) {
+            endReported_ = true;
+            if (onEnded)
+                onEnded();
+        }
+    }
+}
+
+void ClipPreviewPlayer::timeChanged(double seconds)
+{
+    if (!hasItem_ || ignoreTimeUpdates_)
+        return;
+    pendingTime_ = seconds;
+    if (reportTimer_.isActive())
+        return;
+    const qint64 since = sinceReport_.isValid() ? sinceReport_.elapsed() : reportIntervalMs;
+    if (since >= reportIntervalMs)
+        deliverTime();
+    else
+        reportTimer_.start(static_cast<int>(reportIntervalMs - since));
+}
+
+void ClipPreviewPlayer::deliverTime()
+{
+    if (!pendingTime_)
+        return;
+    const double seconds = *std::exchange(pendingTime_, std::nullopt);
+    if (!hasItem_ || ignoreTimeUpdates_ || !onTime)
+        return;
+    sinceReport_.restart();
+    onTime(seconds);
+}
+
+}  // namespace tavrelune
