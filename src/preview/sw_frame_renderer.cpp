@@ -103,8 +103,10 @@ void SwFrameRenderer::renderOnce()
         return;
     mpv_render_frame_info info{};
     mpv_render_param infoParam{MPV_RENDER_PARAM_NEXT_FRAME_INFO, &info};
-    const bool hasPicture = mpv_render_context_get_info(context_, infoParam) < 0
-        || (info.flags & MPV_RENDER_FRAME_INFO_PRESENT);
+    // A redraw repeats whatever the output last had, which after a clip
+    // change may be the previous clip's frame: only new frames are news.
+    const bool newPicture = mpv_render_context_get_info(context_, infoParam) < 0
+        || ((info.flags & MPV_RENDER_FRAME_INFO_PRESENT) && !(info.flags & MPV_RENDER_FRAME_INFO_REDRAW));
 
     QSize size;
     std::uint64_t generation = 0;
@@ -133,7 +135,7 @@ void SwFrameRenderer::renderOnce()
         {MPV_RENDER_PARAM_BLOCK_FOR_TARGET_TIME, &blockForTargetTime},
         {MPV_RENDER_PARAM_INVALID, nullptr},
     };
-    if (mpv_render_context_render(context_, params) < 0 || !publishing || !hasPicture)
+    if (mpv_render_context_render(context_, params) < 0 || !publishing || !newPicture)
         return;
     frame->makeOpaque();
     frame->sequence = ++sequence_;
