@@ -24,7 +24,6 @@ GradedPreviewView::~GradedPreviewView()
 
 void GradedPreviewView::playerAttached(ClipPreviewPlayer* player)
 {
-    grader_->setStatistics(statistics());
     player->onNeedsRedraw = [view = QPointer<GradedPreviewView>(this)] {
         if (view)
             view->redraw();
@@ -41,7 +40,6 @@ void GradedPreviewView::setCompareOriginal(bool compare)
 
 void GradedPreviewView::redraw()
 {
-    grader_->setStatistics(statistics());
     pullFrame();
     regrade();
 }
@@ -68,6 +66,7 @@ void GradedPreviewView::regrade()
         return;
     }
     regradeWhenShown_ = false;
+    grader_->setStatistics(statistics());
     ClipPreviewPlayer* const source = player();
     grader_->submit(source_, compareOriginal_ || !source ? nullptr : source->sharedGrade());
 }

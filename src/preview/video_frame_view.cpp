@@ -11,8 +11,10 @@ namespace tavrelune {
 
 namespace {
 
-// Pictures are BGRA bytes uploaded as RGBA (every OpenGL has that format),
-// so the shader swaps red and blue back.
+#ifndef GL_BGRA
+#define GL_BGRA 0x80E1
+#endif
+
 const char* const vertexShader = R"(
 attribute vec2 position;
 attribute vec2 texturePosition;
@@ -24,6 +26,8 @@ void main()
 }
 )";
 
+// Desktop OpenGL takes the BGRA bytes as they are; OpenGL ES only knows
+// RGBA uploads, so there the shader swaps red and blue back.
 const char* const fragmentShader = R"(
 #ifdef GL_ES
 precision mediump float;
@@ -32,8 +36,12 @@ uniform sampler2D picture;
 varying vec2 sample;
 void main()
 {
-    vec4 bgra = texture2D(picture, sample);
-    gl_FragColor = vec4(bgra.b, bgra.g, bgra.r, 1.0);
+    vec4 texel = texture2D(picture, sample);
+#ifdef SWAP_RED_BLUE
+    gl_FragColor = vec4(texel.b, texel.g, texel.r, 1.0);
+#else
+    gl_FragColor = vec4(texel.rgb, 1.0);
+#endif
 }
 )";
 
@@ -141,7 +149,9 @@ void VideoFrameView::initializeGL()
             Qt::UniqueConnection);
     program_ = std::make_unique<QOpenGLShaderProgram>();
     program_->addShaderFromSourceCode(QOpenGLShader::Vertex, vertexShader);
-    program_->addShaderFromSourceCode(QOpenGLShader::Fragment, fragmentShader);
+    bgraUpload_ = !context()->isOpenGLES();
+    const QByteArray swap = bgraUpload_ ? QByteArray() : QByteArrayLiteral("#define SWAP_RED_BLUE\n");
+    program_->addShaderFromSourceCode(QOpenGLShader::Fragment, swap + fragmentShader);
     program_->bindAttributeLocation("position", 0);
     program_->bindAttributeLocation("texturePosition", 1);
     if (!program_->link())
@@ -168,8 +178,6 @@ void VideoFrameView::upload(const VideoFrame& picture)
     if (!texture_) {
         glGenTextures(1, &texture_);
         glBindTexture(GL_TEXTURE_2D, texture_);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
     }
@@ -179,15 +187,16 @@ void VideoFrameView::upload(const VideoFrame& picture)
                      nullptr);
         textureSize_ = size;
     }
+    const GLenum format = bgraUpload_ ? GL_BGRA : GL_RGBA;
     const bool rowLength = !context()->isOpenGLES() || context()->format().majorVersion() >= 3;
     if (rowLength) {
         glPixelStorei(GL_UNPACK_ROW_LENGTH, static_cast<GLint>(picture.stride() / 4));
-        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, size.width(), size.height(), GL_RGBA, GL_UNSIGNED_BYTE,
+        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, size.width(), size.height(), format, GL_UNSIGNED_BYTE,
                         picture.data());
         glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
     } else {
         for (int y = 0; y < size.height(); ++y)
-            glTexSubImage2D(GL_TEXTURE_2D, 0, 0, y, size.width(), 1, GL_RGBA, GL_UNSIGNED_BYTE,
+            glTexSubImage2D(GL_TEXTURE_2D, 0, 0, y, size.width(), 1, format, GL_UNSIGNED_BYTE,
                             picture.data() + y * picture.stride());
     }
 }
@@ -218,6 +227,11 @@ void VideoFrameView::paintGL()
     program_->bind();
     glActiveTexture(GL_TEXTURE0);
     glBindTexture(GL_TEXTURE_2D, texture_);
+    // Drawn one to one, a picture needs no filtering (cheaper on software
+    // rasterisers).
+    const GLint filter = area.size() == textureSize_ ? GL_NEAREST : GL_LINEAR;
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
     program_->setUniformValue("picture", 0);
     program_->enableAttributeArray(0);
     program_->enableAttributeArray(1);

@@ -85,6 +85,7 @@ private:
     std::shared_ptr<const VideoFrame> uploaded_;
     std::shared_ptr<FrameStatistics> statistics_;
 
+    bool bgraUpload_ = true;
     GLuint texture_ = 0;
     QSize textureSize_;
     std::unique_ptr<QOpenGLShaderProgram> program_;
