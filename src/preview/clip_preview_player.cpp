@@ -108,6 +108,7 @@ ClipPreviewPlayer::ClipPreviewPlayer(Options options, QObject* parent)
     : QObject(parent), options_(std::move(options))
 {
     reportTimer_.setSingleShot(true);
+    reportTimer_.setTimerType(Qt::PreciseTimer);
     connect(&reportTimer_, &QTimer::timeout, this, &ClipPreviewPlayer::deliverTime);
 }
 
@@ -498,11 +499,11 @@ void ClipPreviewPlayer::timeChanged(double seconds)
     pendingTime_ = seconds;
     if (reportTimer_.isActive())
         return;
-    const qint64 since = sinceReport_.isValid() ? sinceReport_.elapsed() : reportIntervalMs;
-    if (since >= reportIntervalMs)
+    const qint64 since = sinceReport_.isValid() ? sinceReport_.nsecsElapsed() : reportIntervalNs;
+    if (since >= reportIntervalNs)
         deliverTime();
     else
-        reportTimer_.start(static_cast<int>(reportIntervalMs - since));
+        reportTimer_.start(static_cast<int>((reportIntervalNs - since + 999'999) / 1'000'000));
 }
 
 void ClipPreviewPlayer::deliverTime()

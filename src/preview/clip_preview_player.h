@@ -101,8 +101,8 @@ public:
     // Set by the live view; the controller calls it after changing `grade`.
     std::function<void()> onNeedsRedraw;
 
-    // Position reports come at most this often.
-    static constexpr int reportIntervalMs = 33;
+    // Position reports come at most 30 times a second.
+    static constexpr qint64 reportIntervalNs = 1'000'000'000 / 30;
     static constexpr double seekTolerance = 0.05;
 
 Q_SIGNALS:
