@@ -1,12 +1,13 @@
+// The player's mpv core: its creation on first use and teardown, playback
+// controls, and the main-thread loop that drains mpv's events.
 #include "preview/clip_preview_player.h"
 
-#include "preview/preview_filter.h"
+#include "preview/mpv_tracks.h"
 #include "preview/sw_frame_renderer.h"
 
 #include <mpv/client.h>
 
 #include <QCoreApplication>
-#include <QVariant>
 #include <clocale>
 #include <cmath>
 
@@ -14,95 +15,17 @@ namespace tavrelune {
 
 namespace {
 
-// Reply tags: the kind of request in the top byte, its serial below.
-constexpr std::uint64_t loadTag = 1ull << 56;
-constexpr std::uint64_t seekTag = 2ull << 56;
-constexpr std::uint64_t tagMask = 0xFFull << 56;
-constexpr std::uint64_t preloadedHook = 1;
-
 enum Observed : std::uint64_t { timePosition = 1, endReached = 2 };
-
-QVariant toVariant(const mpv_node& node)
-{
-    switch (node.format) {
-    case MPV_FORMAT_STRING:
-        return QString::fromUtf8(node.u.string);
-    case MPV_FORMAT_FLAG:
-        return node.u.flag != 0;
-    case MPV_FORMAT_INT64:
-        return static_cast<qlonglong>(node.u.int64);
-    case MPV_FORMAT_DOUBLE:
-        return node.u.double_;
-    case MPV_FORMAT_NODE_ARRAY: {
-        QVariantList list;
-        for (int i = 0; i < node.u.list->num; ++i)
-            list << toVariant(node.u.list->values[i]);
-        return list;
-    }
-    case MPV_FORMAT_NODE_MAP: {
-        QVariantMap map;
-        for (int i = 0; i < node.u.list->num; ++i)
-            map.insert(QString::fromUtf8(node.u.list->keys[i]), toVariant(node.u.list->values[i]));
-        return map;
-    }
-    default:
-        return {};
-    }
-}
-
-QVariantList trackList(mpv_handle* mpv)
-{
-    mpv_node node{};
-    if (mpv_get_property(mpv, "track-list", MPV_FORMAT_NODE, &node) < 0)
-        return {};
-    const QVariantList tracks = toVariant(node).toList();
-    mpv_free_node_contents(&node);
-    return tracks;
-}
-
-bool isMovingPicture(const QVariantMap& track)
-{
-    return track.value("type").toString() == QLatin1String("video") && !track.value("albumart").toBool()
-        && !track.value("image").toBool();
-}
-
-// The track mpv's automatic choice would take: the default one, else the first.
-std::optional<QVariantMap> chosenVideoTrack(const QVariantList& tracks)
-{
-    std::optional<QVariantMap> first;
-    for (const QVariant& entry : tracks) {
-        const QVariantMap track = entry.toMap();
-        if (!isMovingPicture(track))
-            continue;
-        if (track.value("default").toBool())
-            return track;
-        if (!first)
-            first = track;
-    }
-    return first;
-}
 
 }  // namespace
 
-struct ClipPreviewPlayer::PendingLoad {
-    std::optional<bool> result;
-    std::coroutine_handle<> waiter;
-
-    void resolve(bool playable)
-    {
-        result = playable;
-        if (waiter)  // resumed from the event loop, never inside our own event handling
-            QMetaObject::invokeMethod(QCoreApplication::instance(), [w = waiter] { w.resume(); },
-                                      Qt::QueuedConnection);
-    }
-};
-
-struct ClipPreviewPlayer::LoadAwaiter {
-    std::shared_ptr<PendingLoad> pending;
-    bool await_ready() const noexcept { return pending->result.has_value(); }
-    void await_suspend(std::coroutine_handle<> waiter) noexcept { pending->waiter = waiter; }
-    bool await_resume() const noexcept { return pending->result.value_or(false); }
-};
+void ClipPreviewPlayer::PendingLoad::resolve(bool playable)
+{
+    result = playable;
+    if (waiter)  // resumed from the event loop, never inside our own event handling
+        QMetaObject::invokeMethod(QCoreApplication::instance(), [w = waiter] { w.resume(); },
+                                  Qt::QueuedConnection);
+}
 
 ClipPreviewPlayer::ClipPreviewPlayer(Options options, QObject* parent)
     : QObject(parent), options_(std::move(options))
@@ -231,108 +154,6 @@ void ClipPreviewPlayer::pause()
     setFlag("pause", true);
 }
 
-QCoro::Task<bool> ClipPreviewPlayer::load(QUrl url)
-{
-    pause();
-    ignoreTimeUpdates_ = true;
-    pendingTime_.reset();
-    activeSeek_.reset();
-    hasItem_ = false;
-    endReported_ = false;
-    auto pending = std::make_shared<PendingLoad>();
-    if (!ensureCore()) {
-        ignoreTimeUpdates_ = false;
-        co_return false;
-    }
-    renderer_->endContent();
-    waiters_.push_back(pending);
-    loadPending_ = true;
-    pendingEntry_.reset();
-    const QString path = url.isLocalFile() ? url.toLocalFile() : url.toString();
-    command({"loadfile", path.toUtf8(), "replace"}, loadTag | ++loadSerial_);
-    // From here on only `pending` is touched: the player may be gone when
-    // this resumes.
-    co_return co_await LoadAwaiter{std::move(pending)};
-}
-
-void ClipPreviewPlayer::settleLoads(bool playable)
-{
-    loadPending_ = false;
-    pendingEntry_.reset();
-    ignoreTimeUpdates_ = false;
-    if (playable) {
-        hasItem_ = true;
-        loadID_ = QUuid::createUuid();
-        Q_EMIT loadIDChanged(loadID_);
-    } else {
-        hasItem_ = false;
-        renderer_->endContent();
-        command({"stop"});
-    }
-    for (const auto& waiter : std::exchange(waiters_, {}))
-        waiter->resolve(playable);
-}
-
-void ClipPreviewPlayer::unload()
-{
-    pause();
-    ignoreTimeUpdates_ = true;
-    pendingTime_.reset();
-    activeSeek_.reset();
-    hasItem_ = false;
-    endReported_ = false;
-    loadPending_ = false;
-    pendingEntry_.reset();
-    if (mpv_) {
-        renderer_->endContent();
-        command({"stop"});
-    }
-    for (const auto& waiter : std::exchange(waiters_, {}))
-        waiter->resolve(false);
-    loadID_ = QUuid::createUuid();
-    ignoreTimeUpdates_ = false;
-    Q_EMIT loadIDChanged(loadID_);
-}
-
-void ClipPreviewPlayer::seek(double seconds, bool precise)
-{
-    if (!hasItem_ || !std::isfinite(seconds))
-        return;
-    ++seekGeneration_;
-    ignoreTimeUpdates_ = true;
-    pendingTime_.reset();
-    activeSeek_ = ActiveSeek{seconds, precise, false};
-    // A tolerant seek first tries the key frame before the target, which
-    // needs no decoding up to the frame; seekRestarted() makes it exact
-    // when that key frame lies outside the tolerance.
-    issueSeek(seconds, precise);
-}
-
-void ClipPreviewPlayer::issueSeek(double seconds, bool exact)
-{
-    command({"seek", QByteArray::number(seconds, 'f', 6), exact ? "absolute+exact" : "absolute+keyframes"},
-            seekTag | ++issuedSeekCommands_);
-}
-
-void ClipPreviewPlayer::seekRestarted()
-{
-    // Only the newest seek's completion counts: mpv acknowledges seek
-    // commands in order and restarts playback after the ones it has taken.
-    if (!activeSeek_ || acknowledgedSeekCommands_ != issuedSeekCommands_)
-        return;
-    if (!activeSeek_->precise && !activeSeek_->refined) {
-        double landed = 0;
-        if (mpv_get_property(mpv_, "time-pos", MPV_FORMAT_DOUBLE, &landed) >= 0
-            && std::abs(landed - activeSeek_->target) > seekTolerance) {
-            activeSeek_->refined = true;
-            issueSeek(activeSeek_->target, true);
-            return;
-        }
-    }
-    activeSeek_.reset();
-    ignoreTimeUpdates_ = false;
-}
-
 std::optional<double> ClipPreviewPlayer::position() const
 {
     double seconds = 0;
@@ -425,7 +246,7 @@ void ClipPreviewPlayer::handleReply(std::uint64_t userdata, int error, const mpv
             return;
         }
         const auto* reply = static_cast<const mpv_event_command*>(event.data);
-        const QVariantMap result = toVariant(reply->result).toMap();
+        const QVariantMap result = mpvNodeToVariant(reply->result).toMap();
         pendingEntry_ = result.value("playlist_entry_id").toLongLong();
     } else if ((userdata & tagMask) == seekTag) {
         acknowledgedSeekCommands_ = std::max(acknowledgedSeekCommands_, serial);
@@ -434,45 +255,6 @@ void ClipPreviewPlayer::handleReply(std::uint64_t userdata, int error, const mpv
             ignoreTimeUpdates_ = false;
         }
     }
-}
-
-// Runs while mpv holds the file between opening it and creating its
-// decoders: the one moment the frame size can be fixed before any frame.
-void ClipPreviewPlayer::prepareVideo(std::uint64_t hookID)
-{
-    if (loadPending_ && pendingEntry_ == startedEntry_) {
-        if (const auto track = chosenVideoTrack(trackList(mpv_))) {
-            VideoTrackShape shape;
-            shape.width = track->value("demux-w").toLongLong();
-            shape.height = track->value("demux-h").toLongLong();
-            shape.pixelAspect = track->value("demux-par", 1.0).toDouble();
-            shape.rotation = track->value("demux-rotation", 0).toInt();
-            const PreviewFilter filter = previewFilterFor(shape);
-            if (!filter.frameSize.isEmpty()) {
-                mpv_set_property_string(mpv_, "file-local-options/vid",
-                                        track->value("id").toByteArray().constData());
-                mpv_set_property_string(mpv_, "file-local-options/vf", filter.mpvFilter.toUtf8().constData());
-                renderer_->beginContent(filter.frameSize);
-            }
-        }
-    }
-    mpv_hook_continue(mpv_, hookID);
-}
-
-void ClipPreviewPlayer::inspectLoadedFile()
-{
-    if (!loadPending_ || pendingEntry_ != startedEntry_)
-        return;
-    bool playable = false;
-    for (const QVariant& entry : trackList(mpv_)) {
-        const QVariantMap track = entry.toMap();
-        // A video track whose decoder mpv could not open is deselected.
-        if (isMovingPicture(track) && track.value("selected").toBool()
-            && !track.value("decoder-desc").toString().isEmpty())
-            playable = true;
-    }
-    // Frames only reach the views when the size was fixed in prepareVideo.
-    settleLoads(playable && renderer_->isPublishing());
 }
 
 void ClipPreviewPlayer::handlePropertyChange(const mpv_event& event)
@@ -490,31 +272,6 @@ void ClipPreviewPlayer::handlePropertyChange(const mpv_event& event)
                 onEnded();
         }
     }
-}
-
-void ClipPreviewPlayer::timeChanged(double seconds)
-{
-    if (!hasItem_ || ignoreTimeUpdates_)
-        return;
-    pendingTime_ = seconds;
-    if (reportTimer_.isActive())
-        return;
-    const qint64 since = sinceReport_.isValid() ? sinceReport_.nsecsElapsed() : reportIntervalNs;
-    if (since >= reportIntervalNs)
-        deliverTime();
-    else
-        reportTimer_.start(static_cast<int>((reportIntervalNs - since + 999'999) / 1'000'000));
-}
-
-void ClipPreviewPlayer::deliverTime()
-{
-    if (!pendingTime_)
-        return;
-    const double seconds = *std::exchange(pendingTime_, std::nullopt);
-    if (!hasItem_ || ignoreTimeUpdates_ || !onTime)
-        return;
-    sinceReport_.restart();
-    onTime(seconds);
 }
 
 }  // namespace tavrelune

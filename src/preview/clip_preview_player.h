@@ -112,7 +112,19 @@ Q_SIGNALS:
     void frameAvailable();
 
 private:
-    struct PendingLoad;
+    // Reply tags: the kind of request in the top byte, its serial below.
+    static constexpr std::uint64_t loadTag = 1ull << 56;
+    static constexpr std::uint64_t seekTag = 2ull << 56;
+    static constexpr std::uint64_t tagMask = 0xFFull << 56;
+    static constexpr std::uint64_t preloadedHook = 1;
+
+    // A caller waiting in load(); shared with its coroutine, which may
+    // outlive the player.
+    struct PendingLoad {
+        std::optional<bool> result;
+        std::coroutine_handle<> waiter;
+        void resolve(bool playable);
+    };
     struct LoadAwaiter;
     struct ActiveSeek {
         double target = 0;

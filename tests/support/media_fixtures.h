@@ -17,8 +17,8 @@ struct ClipSpec {
     QString videoCodec = "libx264"; // empty: no video stream at all
     QString audioCodec = "aac";
     QString pattern = "testsrc2";   // lavfi video source (testsrc keeps odd sizes)
-    QString filter;                 // -vf applied to the source, e.g. "drawbox=..."
-    QStringList videoOptions;       // more output options, e.g. {"-g", "10"}
+    QString filter = {};            // -vf applied to the source, e.g. "drawbox=..."
+    QStringList videoOptions = {};  // more output options, e.g. {"-g", "10"}
 };
 
 struct ToolResult {
