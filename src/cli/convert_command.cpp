@@ -170,7 +170,9 @@ QCoro::Task<int> runBatch(AppModel& model, InterruptWatcher& interrupts)
 
 QCoro::Task<int> convert(ConvertRequest request, bool dryRun, InterruptWatcher& interrupts)
 {
-    AppModel model;
+    AppModel::Options options;
+    options.previews = false;  // nothing is shown: no player, no stills
+    AppModel model(options);
     if (request.outputFolder)
         model.setOutputFolder(QUrl::fromLocalFile(*request.outputFolder));
     model.setSettings(request.settings.appliedTo(model.settings()));

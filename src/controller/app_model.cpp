@@ -2,6 +2,7 @@
 #include "controller/app_model.h"
 
 #include "controller/working_folder.h"
+#include "preview/audio_output.h"
 
 #include <QDir>
 #include <QEventLoop>
@@ -27,6 +28,7 @@ AppModel::AppModel() : AppModel(Options{}) {}
 AppModel::AppModel(Options options)
     : ffmpeg_(std::move(options.toolLocator)), now_(std::move(options.now))
 {
+    previews_ = options.previews;
     workspace_ = options.workspace ? *options.workspace
                                    : WorkingFolder::choose(WorkingFolder::currentEnvironment());
     QDir().mkpath(workspace_);
@@ -36,8 +38,33 @@ AppModel::AppModel(Options options)
         outputFolder_ = QUrl::fromLocalFile(*output);
     lastCanConvert_ = canConvert();
 
-    // Player callbacks are wired when the live preview lands; the handlers
-    // exist already (handlePlayerTime, finishClipForPlayAll, ...).
+    ClipPreviewPlayer::Options player;
+    player.audioOutput = options.audioOutput ? *options.audioOutput
+                                             : previewAudioOutput(AudioEnvironment::current());
+    previewPlayer_ = std::make_unique<ClipPreviewPlayer>(player);
+    trimPlayer_ = std::make_unique<ClipPreviewPlayer>(player);
+    QPointer<AppModel> self(this);
+    previewPlayer_->onTime = [self](double seconds) {
+        if (self)
+            self->handlePlayerTime(seconds);
+    };
+    previewPlayer_->onEnded = [self] {
+        if (self)
+            self->finishClipForPlayAll();
+    };
+    trimPlayer_->onTime = [self](double seconds) {
+        if (self)
+            self->handleTrimPlayerTime(seconds);
+    };
+    trimPlayer_->onEnded = [self] {
+        if (self)
+            self->handleTrimPlaybackEnded();
+    };
+}
+
+bool AppModel::tasksRunning() const
+{
+    return batchRunning_ || runningProbePasses_ > 0 || runningExtractions_ > 0 || detectingEncoders_;
 }
 
 AppModel::~AppModel()
@@ -47,18 +74,19 @@ AppModel::~AppModel()
     // be alive then.
     lifetime_.request_stop();
     convertTask_.request_stop();
+    previewTask_.request_stop();
     ffmpeg_.cancel();
-    const auto idle = [this] { return !batchRunning_ && runningProbePasses_ == 0 && !detectingEncoders_; };
-    if (idle())
+    if (!tasksRunning())
         return;
     QEventLoop loop;
-    const auto quitWhenIdle = [&idle, &loop] {
-        if (idle())
+    const auto quitWhenIdle = [this, &loop] {
+        if (!tasksRunning())
             loop.quit();
     };
     connect(this, &AppModel::batchEnded, &loop, quitWhenIdle);
     connect(this, &AppModel::probePassEnded, &loop, quitWhenIdle);
     connect(this, &AppModel::encodersChanged, &loop, quitWhenIdle);
+    connect(this, &AppModel::previewTaskEnded, &loop, quitWhenIdle);
     QTimer::singleShot(15000, &loop, &QEventLoop::quit);
     loop.exec();
 }
@@ -101,6 +129,9 @@ double AppModel::previewVideoAspect() const
         if (clip->width && clip->height && *clip->width > 0 && *clip->height > 0)
             return static_cast<double>(*clip->width) / static_cast<double>(*clip->height);
     }
+    const QImage& still = sourcePreview_.isNull() ? gradedPreview_ : sourcePreview_;
+    if (still.height() > 0)
+        return static_cast<double>(still.width()) / still.height();
     return 16.0 / 9.0;
 }
 
@@ -212,6 +243,32 @@ void AppModel::setErrorMessage(const QString& message)
 {
     errorMessage_ = message;
     Q_EMIT errorMessageChanged();
+}
+
+void AppModel::setIsPreviewing(bool previewing)
+{
+    if (isPreviewing_ == previewing)
+        return;
+    isPreviewing_ = previewing;
+    Q_EMIT isPreviewingChanged();
+}
+
+// Images compare by identity: a new still is a change even with the same
+// pixels, and the same image assigned again is not.
+void AppModel::setSourcePreview(const QImage& image)
+{
+    if (sourcePreview_.cacheKey() == image.cacheKey() && sourcePreview_.isNull() == image.isNull())
+        return;
+    sourcePreview_ = image;
+    Q_EMIT sourcePreviewChanged();
+}
+
+void AppModel::setGradedPreview(const QImage& image)
+{
+    if (gradedPreview_.cacheKey() == image.cacheKey() && gradedPreview_.isNull() == image.isNull())
+        return;
+    gradedPreview_ = image;
+    Q_EMIT gradedPreviewChanged();
 }
 
 void AppModel::setIsPlayingAll(bool playing)

@@ -22,6 +22,7 @@
 #include "grading/preview_grader.h"
 #include "model/clip_item.h"
 #include "model/encode_settings.h"
+#include "preview/clip_preview_player.h"
 #include "preview/preview_clock.h"
 #include "watermark/watermark_image.h"
 #include "watermark/watermark_settings.h"
@@ -81,6 +82,12 @@ public:
         ToolLocator toolLocator = ToolLocator::fromEnvironment();
         // Clock for the combined file's name.
         std::function<QDateTime()> now = [] { return QDateTime::currentDateTimeUtc(); };
+        // The preview players' audio output (mpv's "ao", e.g. "null");
+        // unset: the desktop's default output, or none without a device.
+        std::optional<QString> audioOutput;
+        // Off for the headless commands: no clip is loaded into a player and
+        // no still is extracted; the playhead and grade bookkeeping remain.
+        bool previews = true;
     };
 
     AppModel();
@@ -121,6 +128,8 @@ public:
     PreviewClock& clock() { return clock_; }
     LiveGrade& liveGrade() { return liveGrade_; }
     PreviewClock& trimClock() { return trimClock_; }
+    ClipPreviewPlayer& previewPlayer() { return *previewPlayer_; }
+    ClipPreviewPlayer& trimPlayer() { return *trimPlayer_; }
     PreviewGrader& grader() { return grader_; }
     QString workspace() const { return workspace_; }
 
@@ -240,6 +249,8 @@ Q_SIGNALS:
     void probePassEnded();
     // Encoder detection ended; encoderLabel() may read differently.
     void encodersChanged();
+    // A still-frame extraction task ended.
+    void previewTaskEnded();
 
 private:
     // Setters that notify only on change.
@@ -251,7 +262,11 @@ private:
     void setConversionFraction(double fraction);
     void setStatusMessage(const QString& message);
     void setIsPlayingAll(bool playing);
+    void setIsPreviewing(bool previewing);
+    void setSourcePreview(const QImage& image);
+    void setGradedPreview(const QImage& image);
     void notifyDerived();
+    bool tasksRunning() const;
     void applyTrimToMainPreview();
     // Copies the sliders' four values into a clip record.
     void applyLiveGrade(ClipItem& clip) const;
@@ -261,6 +276,12 @@ private:
 
     QCoro::Task<void> probePendingClips();
     QCoro::Task<void> detectEncodersInBackground();
+    QCoro::Task<void> runPreviewLoad(QUuid clipID, QUrl url, bool autoplay);
+    QCoro::Task<void> runFrameExtract(QUuid clipID, QUrl url, double duration, double fraction, bool force,
+                                      std::stop_token stop);
+    QCoro::Task<void> extractSourceFrame(QUuid clipID, QUrl url, double duration, double fraction, bool force,
+                                         std::stop_token stop);
+    QCoro::Task<void> runTrimLoad(ClipItem clip);
     QCoro::Task<void> runBatch(QString outputFolder, std::stop_token stop);
     std::optional<QString> preparedLUTPath(const std::optional<QString>& source = std::nullopt);
     std::optional<QString> stagedLUTTarget(const QString& source) const;
@@ -295,12 +316,17 @@ private:
     LiveGrade liveGrade_;
     PreviewClock trimClock_;
     PreviewGrader grader_;
+    std::unique_ptr<ClipPreviewPlayer> previewPlayer_;
+    std::unique_ptr<ClipPreviewPlayer> trimPlayer_;
 
     // Private state.
     std::stop_source convertTask_;  // stop handle of the latest batch task
     bool batchRunning_ = false;
     int runningProbePasses_ = 0;
     bool detectingEncoders_ = false;
+    std::stop_source previewTask_;  // the one pending preview load or still
+    int runningExtractions_ = 0;
+    bool previews_ = true;
     std::optional<QString> stagedLUT_;
     std::optional<QString> stagedWatermark_;
     std::optional<QString> sourceFrameURL_;

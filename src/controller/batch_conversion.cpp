@@ -17,6 +17,7 @@ void AppModel::startConversion()
         return;
     commitLiveGrade();
     pausePlayback(true);
+    trimPlayer_->pause();
     trimClock_.setIsPlaying(false);
     const QString folder = outputFolder_.toLocalFile();
     QDir().mkpath(folder);

@@ -91,9 +91,10 @@ QCoro::Task<void> AppModel::probePendingClips()
     if (const auto clip = selectedClip(); clip && clip->duration) {
         clock_.setSeconds(clip->playheadInWindow());
         persistPlayhead();
-        if (!clock_.isPlayable())
+        if (clock_.isPlayable())
+            previewPlayer_->seek(clock_.seconds(), true);
+        else
             scheduleFrameExtract(true);
-        // A playable clip is seeked by the live player once it exists.
     }
     Q_EMIT probePassEnded();
 }

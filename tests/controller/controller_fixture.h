@@ -41,6 +41,7 @@ protected:
         options.workspace = workspace();
         options.toolLocator = ToolLocator::fromEnvironment();
         options.now = [] { return QDateTime(QDate(2025, 3, 7), QTime(14, 5, 9), Qt::UTC); };
+        options.audioOutput = QStringLiteral("null");
         model = std::make_unique<AppModel>(options);
         model->ffmpeg().pinSoftwareEncoders();
         model->setDesktopServices(&desktop);

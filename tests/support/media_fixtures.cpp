@@ -41,9 +41,12 @@ void makeClip(const QString& path, const ClipSpec& spec)
              << QString("sine=frequency=440:sample_rate=48000:duration=%1").arg(secs);
     }
     if (!spec.videoCodec.isEmpty()) {
+        if (!spec.filter.isEmpty())
+            args << "-vf" << spec.filter;
         args << "-c:v" << spec.videoCodec << "-pix_fmt" << "yuv420p";
         if (spec.videoCodec == "libx264")
             args << "-preset" << "ultrafast";
+        args << spec.videoOptions;
     }
     if (spec.audio)
         args << "-c:a" << spec.audioCodec;
@@ -52,6 +55,15 @@ void makeClip(const QString& path, const ClipSpec& spec)
     if (result.exitCode != 0 || !QFile::exists(path))
         throw std::runtime_error("ffmpeg could not make test clip " + path.toStdString() + ": "
                                  + result.err.toStdString());
+}
+
+void makeRotatedCopy(const QString& source, const QString& path, int degrees)
+{
+    const ToolResult result = runTool("ffmpeg", {"-nostdin", "-hide_banner", "-loglevel", "error", "-y", "-i", source,
+                                                 "-c", "copy", "-metadata:s:v:0",
+                                                 QString("rotate=%1").arg(degrees), path});
+    if (result.exitCode != 0 || !QFile::exists(path))
+        throw std::runtime_error("ffmpeg could not rotate test clip: " + result.err.toStdString());
 }
 
 QString probeEntry(const QString& path, const QString& entry, const QString& stream)

@@ -17,6 +17,8 @@ struct ClipSpec {
     QString videoCodec = "libx264"; // empty: no video stream at all
     QString audioCodec = "aac";
     QString pattern = "testsrc2";   // lavfi video source (testsrc keeps odd sizes)
+    QString filter = {};            // -vf applied to the source, e.g. "drawbox=..."
+    QStringList videoOptions = {};  // more output options, e.g. {"-g", "10"}
 };
 
 struct ToolResult {
@@ -30,6 +32,10 @@ ToolResult runTool(const QString& program, const QStringList& arguments, int tim
 
 // Writes a clip to `path` (the container follows the extension) or throws.
 void makeClip(const QString& path, const ClipSpec& spec = {});
+
+// A copy of `source` whose video track says it must be turned `degrees`
+// (as ffmpeg's "rotate" tag) to be upright; the stream itself is copied.
+void makeRotatedCopy(const QString& source, const QString& path, int degrees);
 
 // Stream facts read back with ffprobe for assertions: "width", "height",
 // "duration", "r_frame_rate", "codec_name" of the first video stream, or of

@@ -73,9 +73,9 @@ TEST_F(WindowTest, MenusAreEnabledAndTitledFromTheState)
     expectMenus(menus, {false, "Play", false, false, false, false}, "empty");
 
     addClips(2);
-    expectMenus(menus, {true, "Play", false, true, true, false}, "clips, the first selected");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return model->clock().isPlayable(); }, 5000));
+    expectMenus(menus, {true, "Play", true, true, true, false}, "the first clip playable");
 
-    model->clock().setIsPlayable(true);
     model->clock().setIsPlaying(true);
     expectMenus(menus, {true, "Pause", true, true, true, false}, "playing");
     model->clock().setIsPlaying(false);
