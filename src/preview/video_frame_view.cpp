@@ -1,5 +1,6 @@
 #include "preview/video_frame_view.h"
 
+#include "model/picture_fit.h"
 #include "preview/clip_preview_player.h"
 
 #include <QOpenGLContext>
@@ -133,10 +134,9 @@ QRect VideoFrameView::fittedRect(QSize picture, QSize target)
 {
     if (picture.width() <= 1 || picture.height() <= 1)
         return QRect(QPoint(0, 0), picture);
-    const double scale = std::min(static_cast<double>(target.width()) / picture.width(),
-                                  static_cast<double>(target.height()) / picture.height());
-    const int width = std::max(1, static_cast<int>(std::lround(picture.width() * scale)));
-    const int height = std::max(1, static_cast<int>(std::lround(picture.height() * scale)));
+    const QRectF fitted = fitCentred(QSizeF(picture), QSizeF(target));
+    const int width = std::max(1, static_cast<int>(std::lround(fitted.width())));
+    const int height = std::max(1, static_cast<int>(std::lround(fitted.height())));
     return {(target.width() - width) / 2, (target.height() - height) / 2, width, height};
 }
 
