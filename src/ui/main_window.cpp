@@ -6,7 +6,7 @@
 #include "ui/file_drop.h"
 #include "ui/inspector.h"
 #include "ui/main_menus.h"
-#include "ui/preview_placeholder.h"
+#include "ui/preview_pane.h"
 #include "ui/status_row.h"
 #include "ui/trim_window.h"
 
@@ -46,7 +46,7 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent) : QMainWindow(parent), 
     setAcceptDrops(true);
 
     clipList_ = new ClipListPane(model_);
-    preview_ = new PreviewPlaceholder(model_);
+    preview_ = new PreviewPane(model_);
     inspector_ = new Inspector(model_);
     constrain(clipList_, clipListWidths);
     constrain(preview_, previewWidths);

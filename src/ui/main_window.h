@@ -7,6 +7,7 @@
 // batch state. The controller must outlive the window.
 #pragma once
 
+#include "ui/preview_pane.h"
 #include "ui/trim_window.h"
 
 #include <QMainWindow>
@@ -36,7 +37,7 @@ public:
     static constexpr QSize minimumContentSize{1080, 680};
 
     ClipListPane* clipList() const { return clipList_; }
-    QWidget* previewPane() const { return preview_; }
+    PreviewPane* previewPane() const { return preview_; }
     Inspector* inspector() const { return inspector_; }
     StatusRow* statusRow() const { return statusRow_; }
     MainMenus* menus() const { return menus_; }
@@ -56,7 +57,7 @@ private:
     AppModel& model_;
     QSplitter* splitter_;
     ClipListPane* clipList_;
-    QWidget* preview_;
+    PreviewPane* preview_;
     Inspector* inspector_;
     StatusRow* statusRow_;
     MainMenus* menus_;

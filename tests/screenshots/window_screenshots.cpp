@@ -1,8 +1,10 @@
 // Renders the main window in its main states into PNG files, for people to
 // look at: empty; three clips with one selected, graded and trimmed;
-// converting; the error alert; the window at its smallest; the "In & Out"
-// window. Real clips made by
-// ffmpeg, the real controller, the real widgets.
+// converting; the error alert; the window at its smallest; a clip playing
+// graded with the watermark dragged into place; the same held on
+// "Original"; a clip that cannot play live, shown as its graded still; the
+// "In & Out" window. Real clips made by ffmpeg, the real controller, the
+// real widgets, real mouse events.
 //
 // Usage: window_screenshots OUTPUT_FOLDER (run under an X server).
 #include "controller/app_model.h"
@@ -10,12 +12,16 @@
 #include "support/media_fixtures.h"
 #include "ui/file_drop.h"
 #include "ui/main_window.h"
+#include "ui/preview_pane.h"
+#include "ui/preview_stage.h"
+#include "watermark/watermark_placement_view.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QPainter>
 #include <QScreen>
+#include <QTest>
 #include <QTemporaryDir>
 #include <QThread>
 #include <cstdio>
@@ -79,6 +85,28 @@ QString writeLogo(const QString& path)
     painter.drawText(logo.rect(), Qt::AlignCenter, QStringLiteral("NORTH"));
     painter.end();
     logo.save(path);
+    return path;
+}
+
+// A scanned print: mpv shows a picture, not a clip, so the preview falls
+// back to a still that ffmpeg takes from it.
+QString writeScan(const QString& path)
+{
+    QImage scan(1200, 800, QImage::Format_RGB32);
+    QPainter painter(&scan);
+    QLinearGradient sky(0, 0, 0, 520);
+    sky.setColorAt(0, QColor(70, 110, 160));
+    sky.setColorAt(1, QColor(230, 190, 150));
+    painter.fillRect(QRect(0, 0, 1200, 520), sky);
+    painter.fillRect(QRect(0, 520, 1200, 280), QColor(40, 70, 90));
+    painter.setBrush(QColor(250, 220, 150));
+    painter.setPen(Qt::NoPen);
+    painter.drawEllipse(QPointF(820, 470), 70, 70);
+    painter.setBrush(QColor(25, 30, 35));
+    painter.drawRect(QRect(150, 380, 40, 140));
+    painter.drawRect(QRect(120, 360, 100, 24));
+    painter.end();
+    scan.save(path, "PNG");
     return path;
 }
 
@@ -184,7 +212,46 @@ int main(int argc, char** argv)
     window.resize(normal);
     settle();
 
-    // The "In & Out" window for the selected clip.
+    // The live preview: the first clip playing graded, the watermark dragged
+    // up and to the left on the picture.
+    ui::PreviewStage& stage = *window.previewPane()->stage();
+    WatermarkPlacementView& placement = *stage.watermarkView();
+    model.selectClip(first);
+    waitUntil([&] { return model.clock().isPlayable(); }, 10000);
+    settle(300);
+    const QPoint grip = placement.watermarkRect().center().toPoint();
+    QTest::mousePress(&placement, Qt::LeftButton, {}, grip);
+    for (int step = 1; step <= 5; ++step)
+        QTest::mouseMove(&placement, grip - QPoint(24, 12) * step);
+    QTest::mouseRelease(&placement, Qt::LeftButton, {}, grip - QPoint(120, 60));
+    model.startPlayback();
+    settle(1500);
+    save(window.grab(), shots, "7-playing-graded.png");
+
+    // The same frame held on the original: pressed away from the watermark.
+    model.pausePlayback(true);
+    settle(300);
+    const QPoint away = placement.videoRect().toRect().topLeft() + QPoint(120, 120);
+    QTest::mousePress(&placement, Qt::LeftButton, {}, away);
+    settle(500);
+    save(window.grab(), shots, "8-holding-original.png");
+    QTest::mouseRelease(&placement, Qt::LeftButton, {}, away);
+
+    // A clip that cannot play live: its graded still.
+    model.addURLs({QUrl::fromLocalFile(writeScan(media + "/B020_archive_scan.mp4"))});
+    waitForTask(model.probesFinished());
+    model.selectClip(model.clips().last().id);
+    model.liveGrade().setExposure(0.2);
+    model.liveGrade().setSaturation(1.2);
+    model.commitLiveGrade();
+    model.pushLiveGradeToPreview();
+    waitUntil([&] { return stage.content() == ui::PreviewStage::Content::still && !model.isPreviewing(); }, 20000);
+    settle(400);
+    save(window.grab(), shots, "9-unplayable-still.png");
+
+    // The "In & Out" window for the trimmed clip.
+    model.selectClip(second);
+    settle();
     model.showTrimEditor();
     settle(500);
     if (window.trimWindow())

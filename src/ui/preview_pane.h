@@ -1,0 +1,41 @@
+// The main window's middle pane: the "Preview" header (with a spinner while
+// a still is being made and the hold-to-compare hint), the stage with the
+// selected clip, and the playback bar.
+//
+// The pane takes the keyboard focus when clicked (it draws no focus ring);
+// Space then toggles playback like the play button, and stops play-all.
+//
+// Main thread. Follows the controller, which must outlive it.
+#pragma once
+
+#include <QWidget>
+
+namespace tavrelune {
+class AppModel;
+}
+
+namespace tavrelune::ui {
+
+class PlaybackBar;
+class PreviewStage;
+
+class PreviewPane : public QWidget {
+    Q_OBJECT
+public:
+    explicit PreviewPane(AppModel& model, QWidget* parent = nullptr);
+
+    PreviewStage* stage() const { return stage_; }
+    PlaybackBar* playbackBar() const { return bar_; }
+    QWidget* busyIndicator() const { return busy_; }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    AppModel& model_;
+    QWidget* busy_;
+    PreviewStage* stage_;
+    PlaybackBar* bar_;
+};
+
+}  // namespace tavrelune::ui
