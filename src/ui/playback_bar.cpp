@@ -54,10 +54,11 @@ PlaybackBar::PlaybackBar(AppModel& model, QWidget* parent) : QWidget(parent), mo
     time_->setMinimumWidth(QFontMetrics(time_->font()).horizontalAdvance(QStringLiteral("00:00.0 / 00:00.0")));
     time_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 
-    trim_ = new SmallButton(QStringLiteral("Set In & Out\u2026"));
+    trim_ = new SmallButton(QStringLiteral("Set In && Out\u2026"));
     trim_->setObjectName(QStringLiteral("trimButton"));
     trim_->setFocusPolicy(Qt::TabFocus);
     trim_->setIcon(icons::symbol(QStringLiteral("edit-cut"), appearance::primaryText(palette())));
+    trim_->setFixedWidth(trim_->sizeHint().width() + trim_->iconSize().width());
     trim_->setToolTip(QStringLiteral("Open a window with the original clip to set in and out points"));
     trimLabel_ = new QLabel;
     trimLabel_->setObjectName(QStringLiteral("trimText"));

@@ -178,7 +178,9 @@ int main(int argc, char** argv)
         clip.inPoint = 2.5;
         clip.outPoint = 14.0;
     });
-    settle();
+    // The live preview has the clip's first graded frame on screen.
+    waitUntil([&] { return model.clock().isPlayable(); }, 10000);
+    settle(1500);
     save(window.grab(), shots, "2-batch.png");
 
     // Converting: the first clip done, the second under way; the third is
