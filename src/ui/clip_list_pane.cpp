@@ -229,7 +229,7 @@ std::unique_ptr<QMenu> ClipListPane::contextMenuFor(const QUuid& id)
 {
     auto menu = std::make_unique<QMenu>(this);
     const bool converting = model_.isConverting();
-    QAction* trim = menu->addAction(QStringLiteral("Set In & Out\u2026"), this, [this, id] {
+    QAction* trim = menu->addAction(QStringLiteral("Set In && Out\u2026"), this, [this, id] {
         model_.selectClip(id);
         model_.showTrimEditor();
     });

@@ -35,7 +35,7 @@ MainMenus::MainMenus(AppModel& model, QMainWindow& window) : QObject(&window), m
     quit_->setMenuRole(QAction::QuitRole);
 
     QMenu* clip = bar->addMenu(QStringLiteral("&Clip"));
-    setInOut_ = addItem(clip, "Set In & Out" + ellipsis, QKeySequence(Qt::CTRL | Qt::Key_T));
+    setInOut_ = addItem(clip, "Set In && Out" + ellipsis, QKeySequence(Qt::CTRL | Qt::Key_T));
 
     QMenu* preview = bar->addMenu(QStringLiteral("&Preview"));
     playPause_ = addItem(preview, QStringLiteral("Play"));

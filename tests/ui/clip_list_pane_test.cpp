@@ -27,8 +27,9 @@ QStringList names(const QList<ClipItem>& clips)
 QStringList titles(const QMenu& menu)
 {
     QStringList result;
+    // "&&" is how a menu shows one ampersand.
     for (const QAction* action : menu.actions())
-        result << action->text();
+        result << action->text().replace("&&", "&");
     return result;
 }
 
