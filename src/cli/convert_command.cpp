@@ -6,6 +6,7 @@
 #include "cli/convert_options.h"
 #include "cli/interrupt_watcher.h"
 #include "cli/progress_printer.h"
+#include "cli/standard_output.h"
 #include "controller/app_model.h"
 #include "engine/blocking_wait.h"
 #include "model/media_type.h"
@@ -15,6 +16,7 @@
 #include <QJsonDocument>
 #include <QTextStream>
 #include <algorithm>
+#include <cstring>
 
 #include <qcoro/qcorotask.h>
 
@@ -83,17 +85,33 @@ void placeWatermark(AppModel& model, const WatermarkChoice& choice)
         model.updateWatermarkOpacity(*choice.opacity);
 }
 
-void printPlan(AppModel& model)
+// Writes `text` to standard output. A reader that went away counts as a
+// SIGPIPE (exit 141); any other failure is reported, with exit status 1.
+int print(const QString& text, InterruptWatcher& interrupts)
 {
-    QTextStream out(stdout);
+    const int error = writeStandardOutput(text.toUtf8());
+    if (error == 0)
+        return 0;
+    if (error == EPIPE) {
+        interrupts.noteBrokenPipe();
+        return interrupts.exitStatus();
+    }
+    complain(QStringLiteral("could not write to standard output: ") + QString::fromLocal8Bit(std::strerror(error)));
+    return 1;
+}
+
+int printPlan(AppModel& model, InterruptWatcher& interrupts)
+{
+    QString text;
     const QString program = model.ffmpeg().binaryPath(QStringLiteral("ffmpeg"));
     for (const PlannedCommand& command : model.plannedCommands()) {
         QJsonArray argv{program};
         for (const QString& argument : command.arguments)
             argv.append(argument);
-        out << QJsonDocument(argv).toJson(QJsonDocument::Compact) << "\n# output: " << command.output
-            << "\n";
+        text += QString::fromUtf8(QJsonDocument(argv).toJson(QJsonDocument::Compact)) + "\n# output: "
+                + printablePath(command.output) + "\n";
     }
+    return print(text, interrupts);
 }
 
 // What the progress display shows for the batch as it stands.
@@ -157,12 +175,15 @@ QCoro::Task<int> runBatch(AppModel& model, InterruptWatcher& interrupts)
         co_await model.conversionFinished();
     }
     printer.message(model.statusMessage());
-    QTextStream out(stdout);
+    QString list;
     for (const QString& file : writtenFiles(model))
-        out << file << "\n";
+        list += printablePath(file) + "\n";
+    const int printed = print(list, interrupts);
 
     if (interrupts.interrupted())
-        co_return 130;
+        co_return interrupts.exitStatus();
+    if (printed != 0)
+        co_return printed;
     const bool allDone = std::all_of(model.clips().begin(), model.clips().end(),
                                      [](const ClipItem& clip) { return clip.status == ClipStatus::done; });
     co_return allDone ? 0 : 1;
@@ -187,7 +208,7 @@ QCoro::Task<int> convert(ConvertRequest request, bool dryRun, InterruptWatcher& 
 
     co_await model.probesFinished();
     if (interrupts.interrupted())
-        co_return 130;
+        co_return interrupts.exitStatus();
     for (const ClipItem& clip : model.clips())
         if (clip.errorMessage)
             complain(clip.name + ": " + *clip.errorMessage);
@@ -204,10 +225,10 @@ QCoro::Task<int> convert(ConvertRequest request, bool dryRun, InterruptWatcher& 
     try {
         co_await model.ffmpeg().detectEncoders(interrupts.stopSource().get_token());
     } catch (const FFmpegError&) {
-        co_return 130;  // the only failure detection reports is a stop
+        // The only failure detection reports is a stop.
+        co_return interrupts.interrupted() ? interrupts.exitStatus() : 130;
     }
-    printPlan(model);
-    co_return 0;
+    co_return printPlan(model, interrupts);
 }
 
 }  // namespace

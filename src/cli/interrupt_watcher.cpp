@@ -12,9 +12,11 @@ namespace {
 // event loop picks up.
 volatile sig_atomic_t signalWriteFd = -1;
 
-void onSignal(int)
+const int watchedSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+
+void onSignal(int signalNumber)
 {
-    const char byte = 1;
+    const char byte = static_cast<char>(signalNumber);
     if (signalWriteFd >= 0)
         [[maybe_unused]] auto written = ::write(signalWriteFd, &byte, 1);
 }
@@ -37,19 +39,46 @@ InterruptWatcher::InterruptWatcher()
     notifier_ = std::make_unique<QSocketNotifier>(fds_[1], QSocketNotifier::Read);
     connect(notifier_.get(), &QSocketNotifier::activated, this, [this] {
         char buffer[16];
-        [[maybe_unused]] auto ignored = ::read(fds_[1], buffer, sizeof buffer);
-        interrupted_ = true;
-        stopSource_.request_stop();
-        Q_EMIT interruptReceived();
+        const auto count = ::read(fds_[1], buffer, sizeof buffer);
+        for (ssize_t i = 0; i < count; ++i)
+            receive(buffer[i]);
     });
-    installHandler(SIGINT, onSignal);
-    installHandler(SIGTERM, onSignal);
+    for (const int signalNumber : watchedSignals)
+        installHandler(signalNumber, onSignal);
+}
+
+void InterruptWatcher::receive(int signalNumber)
+{
+    const bool first = signalNumber_ == 0;
+    if (first)
+        signalNumber_ = signalNumber;
+    stopSource_.request_stop();
+    if (first)
+        Q_EMIT interruptReceived();
+}
+
+void InterruptWatcher::noteBrokenPipe()
+{
+    receive(SIGPIPE);
+}
+
+int InterruptWatcher::exitStatus() const
+{
+    switch (signalNumber_) {
+    case 0:
+        return 0;
+    case SIGINT:
+    case SIGTERM:
+        return 130;
+    default:
+        return 128 + signalNumber_;
+    }
 }
 
 InterruptWatcher::~InterruptWatcher()
 {
-    installHandler(SIGINT, SIG_DFL);
-    installHandler(SIGTERM, SIG_DFL);
+    for (const int signalNumber : watchedSignals)
+        installHandler(signalNumber, SIG_DFL);
     signalWriteFd = -1;
     notifier_.reset();
     ::close(fds_[0]);

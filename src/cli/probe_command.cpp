@@ -72,7 +72,8 @@ int runProbe(const QStringList& arguments)
         return 2;
     }
     InterruptWatcher interrupts;
-    return waitForTask(probeAll(files, interrupts.stopSource().get_token()));
+    const int status = waitForTask(probeAll(files, interrupts.stopSource().get_token()));
+    return interrupts.interrupted() ? interrupts.exitStatus() : status;
 }
 
 }  // namespace tavrelune::cli

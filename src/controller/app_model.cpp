@@ -1,6 +1,7 @@
 // Construction, published state and derived values of the controller.
 #include "controller/app_model.h"
 
+#include "controller/output_claim.h"
 #include "controller/working_folder.h"
 #include "preview/audio_output.h"
 
@@ -12,6 +13,8 @@
 namespace tavrelune {
 
 namespace {
+
+const QString runFolderPrefix = QStringLiteral("run-");
 
 std::optional<QString> defaultOutputFolder()
 {
@@ -29,9 +32,14 @@ AppModel::AppModel(Options options)
     : ffmpeg_(std::move(options.toolLocator)), now_(std::move(options.now))
 {
     previews_ = options.previews;
-    workspace_ = options.workspace ? *options.workspace
-                                   : WorkingFolder::choose(WorkingFolder::currentEnvironment());
-    QDir().mkpath(workspace_);
+    workingFolder_ = options.workspace ? *options.workspace
+                                       : WorkingFolder::choose(WorkingFolder::currentEnvironment());
+    QDir().mkpath(workingFolder_);
+    // A killed instance's claims on output names go with its folder.
+    RunFolder::sweepStale(workingFolder_, runFolderPrefix, &OutputClaim::releaseRecorded);
+    runFolder_ = RunFolder::create(workingFolder_, runFolderPrefix);
+    // Without a run folder, staging fails later and is reported there.
+    workspace_ = runFolder_ ? runFolder_->path() : QDir(workingFolder_).filePath(runFolderPrefix + "unavailable");
     const std::optional<QString> output =
         options.outputFolder ? *options.outputFolder : defaultOutputFolder();
     if (output)

@@ -17,6 +17,7 @@
 
 #include "controller/batch_plan.h"
 #include "controller/desktop_services.h"
+#include "controller/run_folder.h"
 #include "engine/ffmpeg_service.h"
 #include "grading/live_grade.h"
 #include "grading/preview_grader.h"
@@ -77,7 +78,9 @@ public:
         // Default output folder; none when the desktop reports no videos
         // folder. Unset: the XDG Videos folder plus "Tavrelune".
         std::optional<std::optional<QString>> outputFolder;
-        // Working folder; unset: chosen by WorkingFolder.
+        // Private working folder, shared with other instances; this one
+        // works in a run folder of its own inside. Unset: chosen by
+        // WorkingFolder.
         std::optional<QString> workspace;
         ToolLocator toolLocator = ToolLocator::fromEnvironment();
         // Clock for the combined file's name.
@@ -131,6 +134,8 @@ public:
     ClipPreviewPlayer& previewPlayer() { return *previewPlayer_; }
     ClipPreviewPlayer& trimPlayer() { return *trimPlayer_; }
     PreviewGrader& grader() { return grader_; }
+    // This instance's run folder (staged LUT and watermark, stills),
+    // removed with the controller.
     QString workspace() const { return workspace_; }
 
     void setDesktopServices(DesktopServices* services) { desktop_ = services; }
@@ -291,6 +296,9 @@ private:
     double watermarkImageAspect() const;
     void applyProgress(int position, double fraction, int denominator);
     QString finalStatus(bool cancelled, bool stopped, bool combine) const;
+    // Between a conversion's end and its rename into place: throws when the
+    // written file is not a usable result.
+    QCoro::Task<void> checkFinishedOutput(QString path, std::stop_token stop);
 
     // Published fields, in declaration order.
     QList<ClipItem> clips_;
@@ -336,7 +344,9 @@ private:
     bool showingOriginal_ = false;
     bool playAllAfterLoad_ = false;
     bool consumedPlayAllAdvance_ = false;
-    QString workspace_;
+    QString workingFolder_;
+    std::optional<RunFolder> runFolder_;
+    QString workspace_;  // the run folder's path
     std::function<QDateTime()> now_;
     DesktopServices* desktop_ = nullptr;
     std::stop_source lifetime_;  // stops every task when the controller goes

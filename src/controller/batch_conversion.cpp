@@ -1,6 +1,7 @@
 // Converting the batch: one clip after the other, or parts joined into one.
 #include "controller/app_model.h"
 
+#include "controller/output_claim.h"
 #include "controller/output_naming.h"
 #include "engine/concat_job.h"
 
@@ -10,6 +11,14 @@
 #include "engine/next_signal.h"
 
 namespace tavrelune {
+
+namespace {
+
+// The parts of a combined batch lie beside its output, on the file system
+// that will hold the result, in a hidden folder of the batch's own.
+const QString partsFolderPrefix = QStringLiteral(".tavrelune-parts-");
+
+}  // namespace
 
 void AppModel::startConversion()
 {
@@ -117,11 +126,18 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
 
     const BatchPlan plan = planBatch(clips_, settings_);
     const int denominator = plan.progressDenominator();
-    QString partsFolder;
+    std::optional<RunFolder> partsFolder;
     if (plan.combine) {
-        partsFolder = QDir(workspace_).filePath(
-            "concat-" + QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
-        QDir().mkpath(partsFolder);
+        RunFolder::sweepStale(outputFolder, partsFolderPrefix);
+        QString problem;
+        partsFolder = RunFolder::create(outputFolder, partsFolderPrefix, &problem);
+        if (!partsFolder) {
+            setIsConverting(false);
+            setErrorMessage(problem);
+            setStatusMessage(QStringLiteral("Could not prepare the combined video."));
+            finishTask();
+            co_return;
+        }
     }
     QStringList parts;
     bool stopped = false;
@@ -140,20 +156,32 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         setStatusMessage((plan.combine ? QStringLiteral("Preparing ") : QStringLiteral("Converting "))
                          + clip.name + QChar(0x2026));
 
-        const QString output =
-            plan.combine ? QDir(partsFolder).filePath(partFileName(position))
-                         : OutputNaming::uniqueOutputPath(clip.url.toLocalFile(), outputFolder,
-                                                          OutputNaming::existsOnDisk);
-        const ClipConversion job = conversionFor(clip, plan, output, lutPath, watermark, settings_);
         // Named, not written inside the co_await: GCC 12 destroys a lambda
         // temporary of a co_await expression twice.
         const FFmpegService::ProgressCallback onProgress = [self, position, denominator](double fraction) {
             if (self)
                 self->applyProgress(position, fraction, denominator);
         };
+        const auto chooseName = [&clip, &outputFolder](const OutputNaming::PathTaken& taken) {
+            return OutputNaming::uniqueOutputPath(clip.url.toLocalFile(), outputFolder, taken);
+        };
+        QString output;
+        std::optional<OutputClaim> claim;
         std::exception_ptr failure;
         try {
+            if (plan.combine) {
+                output = QDir(partsFolder->path()).filePath(partFileName(position));
+            } else {
+                claim = OutputClaim::claim(chooseName, workspace_);
+                output = claim->finalPath();
+            }
+            const ClipConversion job = conversionFor(clip, plan, claim ? claim->temporaryPath() : output,
+                                                     lutPath, watermark, settings_);
             co_await ffmpeg_.convertClip(job, onProgress, stop);
+            if (claim) {
+                co_await checkFinishedOutput(claim->temporaryPath(), stop);
+                claim->commit();
+            }
         } catch (...) {
             failure = std::current_exception();
         }
@@ -161,10 +189,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
             co_return;
         if (failure) {
             stopped = true;
-            // The name was free when chosen, so whatever is there now is this
-            // run's unfinished file.
-            if (!plan.combine)
-                QFile::remove(output);
+            claim.reset();  // removes this run's unfinished file and its claim
             if (stop.stop_requested() || isCancellation(failure)) {
                 updateClip(clip.id, [](ClipItem& stored) { stored.status = ClipStatus::ready; });
             } else {
@@ -192,23 +217,32 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
 
     if (plan.combine && !stopped && parts.size() == clips_.size()) {
         setStatusMessage(QStringLiteral("Combining clips") + QChar(0x2026));
-        const QString output =
-            OutputNaming::uniqueCombinedOutputPath(outputFolder, now_(), OutputNaming::existsOnDisk);
         double sum = 0;
         for (const ClipItem& clip : clips_)
             sum += exportDuration(clip);
-        std::exception_ptr failure;
         const int clipCount = plan.clipCount;
         const FFmpegService::ProgressCallback onJoinProgress = [self, clipCount](double fraction) {
             if (self)
                 self->setConversionFraction((clipCount + fraction) / (clipCount + 1));
         };
+        const QDateTime startedAt = now_();
+        const auto chooseName = [&outputFolder, &startedAt](const OutputNaming::PathTaken& taken) {
+            return OutputNaming::uniqueCombinedOutputPath(outputFolder, startedAt, taken);
+        };
+        QString output;
+        std::optional<OutputClaim> claim;
+        std::exception_ptr failure;
         try {
-            co_await ffmpeg_.concatenate(parts, output, sum, settings_, plan.width, plan.height,
-                                         onJoinProgress, stop);
+            claim = OutputClaim::claim(chooseName, workspace_);
+            output = claim->finalPath();
+            co_await ffmpeg_.concatenate(parts, claim->temporaryPath(), sum, settings_, plan.width,
+                                         plan.height, onJoinProgress, stop);
+            co_await checkFinishedOutput(claim->temporaryPath(), stop);
+            claim->commit();
         } catch (...) {
             failure = std::current_exception();
         }
+        claim.reset();  // after a failure: removes what this run made
         if (!self)
             co_return;
         QList<ClipItem> joined = clips_;
@@ -222,10 +256,8 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
             setConversionFraction(1);
         } else if (stop.stop_requested() || isCancellation(failure)) {
             stopped = true;
-            QFile::remove(output);
         } else {
             stopped = true;
-            QFile::remove(output);
             const QString description = describe(failure);
             setErrorMessage(description);
             for (ClipItem& clip : joined) {
@@ -239,10 +271,19 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
     }
 
     setIsConverting(false);
+    partsFolder.reset();  // removes the parts
     setStatusMessage(finalStatus(stop.stop_requested(), stopped, plan.combine));
-    if (plan.combine)
-        QDir(partsFolder).removeRecursively();
     finishTask();
+}
+
+QCoro::Task<void> AppModel::checkFinishedOutput(QString path, std::stop_token stop)
+{
+    // The engine has already refused an empty result. A stop that came as
+    // ffmpeg finished still counts: the user asked for no more files.
+    Q_UNUSED(path);
+    if (stop.stop_requested())
+        throw FFmpegError::cancelled();
+    co_return;
 }
 
 std::optional<QString> AppModel::stagedLUTTarget(const QString& source) const
@@ -275,19 +316,22 @@ std::vector<PlannedCommand> AppModel::plannedCommands() const
         applyLiveGrade(clips[*index]);
     const BatchPlan plan = planBatch(clips, settings_);
     const QString folder = outputFolder_.toLocalFile();
+    // Staged files are shown in a stand-in for the run folder a real run
+    // would make (this instance's own is gone when it exits).
+    const QDir runFolder(QDir(workingFolder_).filePath(QStringLiteral("run-<instance>")));
     std::optional<QString> lutPath;
     if (!lutURL_.isEmpty())
-        lutPath = stagedLUTTarget(lutURL_.toLocalFile());
+        lutPath = runFolder.filePath(QFileInfo(*stagedLUTTarget(lutURL_.toLocalFile())).fileName());
     std::optional<WatermarkOverlay> watermark;
     if (watermark_.isEnabled())
-        watermark = overlayFor(QDir(workspace_).filePath("active-watermark.png"));
+        watermark = overlayFor(runFolder.filePath("active-watermark.png"));
 
     // Names chosen earlier in the plan are taken, as their files would be.
     QStringList claimed;
     const OutputNaming::PathTaken taken = [&claimed](const QString& path) {
         return claimed.contains(path) || OutputNaming::existsOnDisk(path);
     };
-    const QString partsFolder = QDir(workspace_).filePath("concat-<batch>");
+    const QString partsFolder = QDir(folder).filePath(partsFolderPrefix + "<batch>");
     for (int position = 0; position < clips.size(); ++position) {
         const ClipItem& clip = clips[position];
         const QString output = plan.combine
@@ -299,7 +343,7 @@ std::vector<PlannedCommand> AppModel::plannedCommands() const
     }
     if (plan.combine) {
         const QString output = OutputNaming::uniqueCombinedOutputPath(folder, now_(), taken);
-        const QString list = concatListPath(output);
+        const QString list = concatListPath(partsFolder);
         commands.push_back({concatCopyArguments(list, output), output});
     }
     return commands;

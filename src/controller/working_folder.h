@@ -1,5 +1,6 @@
 // Where the controller keeps its private working files (staged LUT and
-// watermark, preview stills, the parts of a combined export).
+// watermark, preview stills). Instances share this folder; each works in a
+// run folder of its own inside it (RunFolder).
 //
 // The folder is private to the user: $XDG_RUNTIME_DIR/Tavrelune when that is
 // set, else the user's cache folder plus "Tavrelune", created with mode 0700.

@@ -27,9 +27,9 @@ QStringList trailingArguments(const QString& output)
 
 }  // namespace
 
-QString concatListPath(const QString& output)
+QString concatListPath(const QString& partsFolder)
 {
-    return QFileInfo(output).dir().filePath(QStringLiteral("tavrelune-concat.txt"));
+    return QDir(partsFolder).filePath(QStringLiteral("tavrelune-concat.txt"));
 }
 
 QString concatListText(const QStringList& inputs)

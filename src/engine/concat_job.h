@@ -13,8 +13,9 @@
 
 namespace tavrelune {
 
-// "tavrelune-concat.txt" next to the output.
-QString concatListPath(const QString& output);
+// "tavrelune-concat.txt" in the folder of the parts (a folder of the
+// batch's own, never one of the user's).
+QString concatListPath(const QString& partsFolder);
 
 // One "file '<path>'" line per input, each ended by a line feed. Quotes in a
 // path are written as '\'' (close, escaped quote, reopen), as the demuxer

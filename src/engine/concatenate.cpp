@@ -38,7 +38,7 @@ QCoro::Task<void> FFmpegService::concatenate(QStringList inputs, QString output,
 {
     if (inputs.isEmpty())
         throw FFmpegError::conversionFailed(QStringLiteral("No clips to concatenate."));
-    const QString listPath = concatListPath(output);
+    const QString listPath = concatListPath(QFileInfo(inputs.first()).path());
     writeListFile(listPath, concatListText(inputs));
     const ListFileRemoval removal(listPath);
 
@@ -58,7 +58,7 @@ QCoro::Task<void> FFmpegService::concatenate(QStringList inputs, QString output,
             concatReencodeArguments(listPath, output, encoder(settings.codec), settings, width, height),
             duration, onProgress, stop);
     }
-    if (!QFileInfo::exists(output))
+    if (QFileInfo(output).size() <= 0)
         throw FFmpegError::conversionFailed(QStringLiteral("Combined video was not created."));
 }
 

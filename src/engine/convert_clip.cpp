@@ -39,7 +39,8 @@ QCoro::Task<void> FFmpegService::convertClip(ClipConversion job, ProgressCallbac
         job.settings.copyAudio = false;
         co_await runConversion(conversionArguments(job, videoEncoder), job.duration, onProgress, stop);
     }
-    if (!QFileInfo::exists(job.output))
+    // The output may have been created empty beforehand, as a claim.
+    if (QFileInfo(job.output).size() <= 0)
         throw FFmpegError::conversionFailed(QStringLiteral("Output file was not created."));
 }
 

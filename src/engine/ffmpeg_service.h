@@ -95,15 +95,15 @@ public:
     // Converts one clip to an MP4 file. Copy of the source audio that ffmpeg
     // refuses for MP4 is retried once with AAC audio (progress then restarts
     // at 0). Fails with "Output file was not created." when ffmpeg succeeds
-    // without writing. A partly written output is never removed.
+    // without writing (the output left empty or absent). A partly written output is never removed.
     QCoro::Task<void> convertClip(ClipConversion job, ProgressCallback onProgress,
                                   std::stop_token stop = {});
 
     // Joins parts that share one normalization, in order, into `output`:
     // first by stream copy, then, on any failure but a stop, by re-encoding
     // at the bitrate for width x height. `duration` is the expected total,
-    // used for progress only. Writes "tavrelune-concat.txt" next to the
-    // output and removes it on every way out.
+    // used for progress only. The inputs share one folder of their own;
+    // "tavrelune-concat.txt" is written there and removed on every way out.
     QCoro::Task<void> concatenate(QStringList inputs, QString output, double duration,
                                   EncodeSettings settings, int64_t width, int64_t height,
                                   ProgressCallback onProgress, std::stop_token stop = {});

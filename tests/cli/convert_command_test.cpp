@@ -10,6 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QThread>
 #include <gtest/gtest.h>
@@ -116,6 +117,35 @@ QList<QStringList> plannedCommands(const QString& out)
     return commands;
 }
 
+// A real run's arguments as its dry run shows them: the run folder by its
+// stand-in name, and the hidden file ffmpeg writes (checked to lie beside
+// it) by the final name.
+QStringList asPlanned(QStringList argv, const QString& finalPath)
+{
+    argv.replaceInStrings(QRegularExpression("/run-[0-9a-f]{16}/"), "/run-<instance>/");
+    const QFileInfo written(argv.last());
+    if (written.path() == QFileInfo(finalPath).path()
+        && written.fileName().contains(QRegularExpression("^\\.tavrelune-[0-9a-f]{16}\\.mp4$")))
+        argv.last() = finalPath;
+    return argv;
+}
+
+// Everything in a folder, hidden entries included.
+QStringList entries(const QString& folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+// The average colour of a video's first frame, as "r g b" (0-255).
+QList<int> averageColour(const QString& path)
+{
+    const ToolResult result = runTool("ffmpeg", {"-v", "error", "-i", path, "-frames:v", "1", "-vf",
+                                                 "scale=1:1:flags=area", "-f", "rawvideo", "-pix_fmt", "rgb24", "-"});
+    if (result.out.size() != 3)
+        return {};
+    return {uchar(result.out[0]), uchar(result.out[1]), uchar(result.out[2])};
+}
+
 double videoSeconds(const QString& path)
 {
     return probeEntry(path, "duration").toDouble();
@@ -181,7 +211,7 @@ TEST(ConvertCommand, JobRunsExactlyAsItsDryRunSaysAlsoCombined)
         const QString command = argv.join(' ');
         EXPECT_TRUE(command.contains("-c:v libx264 ")) << "codec from the option";
         EXPECT_TRUE(command.contains("colorchannelmixer=aa=0.5000")) << "opacity from the option";
-        EXPECT_TRUE(command.contains("/Tavrelune/active-lut.cube"));
+        EXPECT_TRUE(command.contains("/Tavrelune/run-<instance>/active-lut.cube"));
         outputs << argv.last();
     }
     const QString out = sandbox.file("out");
@@ -198,7 +228,7 @@ TEST(ConvertCommand, JobRunsExactlyAsItsDryRunSaysAlsoCombined)
     const QList<QStringList> ran = sandbox.loggedConversions();
     ASSERT_EQ(ran.size(), 3);
     for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(ran[i], plan[i].mid(1)) << "clip " << i;
+        EXPECT_EQ(asPlanned(ran[i], outputs[i]), plan[i].mid(1)) << "clip " << i;
     EXPECT_NEAR(videoSeconds(outputs[0]), 0.5, oneFrame);
     EXPECT_NEAR(videoSeconds(outputs[1]), 1.0, oneFrame);
     EXPECT_NEAR(videoSeconds(outputs[2]), 0.12, oneFrame);
@@ -258,27 +288,120 @@ TEST(ConvertCommand, FailingClipEndsTheBatchWithStatusOne)
     EXPECT_EQ(sandbox.loggedConversions().size(), 2) << "c.mov is not attempted";
 }
 
-TEST(ConvertCommand, InterruptStopsTheBatchAndItsFfmpeg)
+// Ctrl-C, the terminal closing and the reader of the output going away all
+// stop the batch the same way: its ffmpeg ends, and neither the unfinished
+// file nor its claim on the name is left behind.
+TEST(ConvertCommand, InterruptHangupAndBrokenPipeStopTheBatchAndItsFfmpeg)
 {
     Sandbox sandbox;
     const QString clip = sandbox.clip("long.mov", {.width = 640, .height = 360, .seconds = 20, .audio = false});
-    QProcess process;
-    sandbox.start(process, {"--codec", "h264", "-o", sandbox.file("out"), clip});
-    ASSERT_TRUE(process.waitForStarted());
+    for (const auto& [signalNumber, status] : {std::pair{SIGINT, 130}, {SIGHUP, 129}, {SIGPIPE, 141}}) {
+        QFile::remove(sandbox.file("log/pid"));
+        QProcess process;
+        sandbox.start(process, {"--codec", "h264", "-o", sandbox.file("out"), clip});
+        ASSERT_TRUE(process.waitForStarted());
 
-    // Interrupt once ffmpeg is converting.
+        // Signal once ffmpeg is converting.
+        QFile pidFile(sandbox.file("log/pid"));
+        for (int wait = 0; wait < 1500 && !pidFile.exists(); ++wait)
+            QThread::msleep(20);
+        ASSERT_TRUE(pidFile.open(QIODevice::ReadOnly)) << "ffmpeg never started";
+        QThread::msleep(300);
+        const qint64 ffmpegPid = pidFile.readAll().trimmed().toLongLong();
+        ASSERT_TRUE(processExists(ffmpegPid)) << "the conversion ended before the signal";
+        ::kill(static_cast<pid_t>(process.processId()), signalNumber);
+
+        const CommandRun run = Sandbox::finish(process);
+        EXPECT_EQ(run.exitCode, status) << strsignal(signalNumber);
+        EXPECT_EQ(run.lastErrLine(), "Conversion stopped.");
+        EXPECT_TRUE(run.out.isEmpty());
+        EXPECT_FALSE(processExists(ffmpegPid)) << "ffmpeg outlived the command";
+        EXPECT_TRUE(entries(sandbox.file("out")).isEmpty()) << entries(sandbox.file("out")).join(' ').toStdString();
+    }
+    EXPECT_TRUE(entries(sandbox.file("runtime/Tavrelune")).isEmpty()) << "run folders removed at exit";
+
+    // Killed outright, a run leaves its claim on the name and ffmpeg's
+    // unfinished file; the next start releases both.
+    QFile::remove(sandbox.file("log/pid"));
+    QProcess killed;
+    sandbox.start(killed, {"--codec", "h264", "-o", sandbox.file("out"), clip});
     QFile pidFile(sandbox.file("log/pid"));
     for (int wait = 0; wait < 1500 && !pidFile.exists(); ++wait)
         QThread::msleep(20);
     ASSERT_TRUE(pidFile.open(QIODevice::ReadOnly)) << "ffmpeg never started";
     QThread::msleep(300);
     const qint64 ffmpegPid = pidFile.readAll().trimmed().toLongLong();
-    ASSERT_TRUE(processExists(ffmpegPid)) << "the conversion ended before the interrupt";
-    ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+    ::kill(static_cast<pid_t>(killed.processId()), SIGKILL);
+    killed.waitForFinished();
+    for (int wait = 0; wait < 500 && processExists(ffmpegPid); ++wait)
+        QThread::msleep(20);
+    ASSERT_EQ(entries(sandbox.file("out")).size(), 2);
+    const CommandRun next = sandbox.run({"--dry-run", "-o", sandbox.file("out"), clip});
+    EXPECT_EQ(next.out.split('\n', Qt::SkipEmptyParts).value(1), "# output: " + sandbox.file("out/long_graded.mp4"));
+    EXPECT_TRUE(entries(sandbox.file("out")).isEmpty()) << entries(sandbox.file("out")).join(' ').toStdString();
+}
 
-    const CommandRun run = Sandbox::finish(process);
-    EXPECT_EQ(run.exitCode, 130);
-    EXPECT_EQ(run.lastErrLine(), "Conversion stopped.");
-    EXPECT_TRUE(run.out.isEmpty());
-    EXPECT_FALSE(processExists(ffmpegPid)) << "ffmpeg outlived the command";
+// Two commands at once, sharing the working folder and the output folder,
+// with different looks: each keeps its own look and its own file names.
+TEST(ConvertCommand, TwoRunsAtOnceKeepTheirOwnLookAndNames)
+{
+    Sandbox sandbox;
+    const QStringList clips{sandbox.clip("a.mov", {.audio = false}), sandbox.clip("b.mov", {.audio = false})};
+    const auto solidCube = [](const QByteArray& rgb) {
+        QByteArray text = "LUT_3D_SIZE 2\n";
+        for (int i = 0; i < 8; ++i)
+            text += rgb + "\n";
+        return text;
+    };
+    const QString red = sandbox.folder.write("red.cube", solidCube("1 0 0"));
+    const QString blue = sandbox.folder.write("blue.cube", solidCube("0 0 1"));
+    const QString out = sandbox.file("out");
+    QProcess redRun;
+    QProcess blueRun;
+    sandbox.start(redRun, QStringList{"--codec", "h264", "-o", out, red} + clips);
+    sandbox.start(blueRun, QStringList{"--codec", "h264", "-o", out, blue} + clips);
+    const CommandRun redResult = Sandbox::finish(redRun);
+    const CommandRun blueResult = Sandbox::finish(blueRun);
+    ASSERT_EQ(redResult.exitCode, 0) << redResult.errLines.join('\n').toStdString();
+    ASSERT_EQ(blueResult.exitCode, 0) << blueResult.errLines.join('\n').toStdString();
+
+    const QStringList redFiles = redResult.out.split('\n', Qt::SkipEmptyParts);
+    const QStringList blueFiles = blueResult.out.split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(redFiles.size(), 2);
+    ASSERT_EQ(blueFiles.size(), 2);
+    EXPECT_EQ(entries(out), QStringList({"a_graded-2.mp4", "a_graded.mp4", "b_graded-2.mp4", "b_graded.mp4"}));
+    for (const QString& file : redFiles + blueFiles) {
+        const QList<int> colour = averageColour(file);
+        ASSERT_EQ(colour.size(), 3) << file.toStdString();
+        const bool isRed = colour[0] > 200 && colour[2] < 60;
+        const bool isBlue = colour[2] > 200 && colour[0] < 60;
+        EXPECT_TRUE(redFiles.contains(file) ? isRed : isBlue) << file.toStdString() << " has "
+                                                              << colour[0] << " " << colour[1] << " " << colour[2];
+    }
+}
+
+// A name with a line feed stays one line of output, as a JSON string; a
+// list of written files that cannot be written is an error, not a success.
+TEST(ConvertCommand, OddNamesAreQuotedAndAFailedOutputWriteIsAnError)
+{
+    Sandbox sandbox;
+    const QString clip = sandbox.clip("two\nlines.mov", {.seconds = 0.3, .audio = false});
+    const QString out = sandbox.file("out");
+    const QString quoted = "\"" + out + "/two\\nlines_graded.mp4\"";
+
+    const CommandRun dry = sandbox.run({"--dry-run", "-o", out, clip});
+    ASSERT_EQ(dry.exitCode, 0) << dry.errLines.join('\n').toStdString();
+    EXPECT_EQ(dry.out.split('\n', Qt::SkipEmptyParts).value(1), "# output: " + quoted);
+
+    const CommandRun real = sandbox.run({"--codec", "h264", "-o", out, clip});
+    ASSERT_EQ(real.exitCode, 0) << real.errLines.join('\n').toStdString();
+    EXPECT_EQ(real.out, quoted + "\n");
+
+    QProcess full;
+    full.setStandardOutputFile("/dev/full");
+    sandbox.start(full, {"--codec", "h264", "-o", out, clip});
+    const CommandRun unlisted = Sandbox::finish(full);
+    EXPECT_EQ(unlisted.exitCode, 1);
+    EXPECT_EQ(unlisted.lastErrLine(), "tavrelune convert: could not write to standard output: No space left on device");
+    EXPECT_TRUE(QFile::exists(out + "/two\nlines_graded-2.mp4")) << "the file itself was written";
 }

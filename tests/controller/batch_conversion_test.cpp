@@ -79,14 +79,22 @@ TEST_F(ControllerTest, CombinedBatchJoinsTrimmedPartsInOrder)
     settings.concatenateClips = true;
     settings.codec = VideoCodec::h264;
     model->setSettings(settings);
+    // The user's own file of the list's name, and parts a crashed run left.
+    const QString userList = root.write("out/tavrelune-concat.txt", "mine");
+    root.write("out/.tavrelune-parts-0123456789abcdef/lock", "");
+    root.write("out/.tavrelune-parts-0123456789abcdef/000.mp4", "stale");
     QStringList texts;
     QList<double> fractions;
     QObject::connect(model.get(), &AppModel::statusMessageChanged, [&] { texts << model->statusMessage(); });
     QObject::connect(model.get(), &AppModel::conversionFractionChanged, [&] { fractions << model->conversionFraction(); });
     convert();
 
-    ASSERT_EQ(outputNames(), QStringList{"Tavrelune_2025-03-07T14-05-09Z.mp4"});
-    const QString combined = outputFolder() + "/" + outputNames().first();
+    ASSERT_EQ(outputEntries(), QStringList({"Tavrelune_2025-03-07T14-05-09Z.mp4", "tavrelune-concat.txt"}))
+        << "parts removed, stale ones too";
+    QFile list(userList);
+    ASSERT_TRUE(list.open(QIODevice::ReadOnly));
+    EXPECT_EQ(list.readAll(), "mine");
+    const QString combined = outputFolder() + "/Tavrelune_2025-03-07T14-05-09Z.mp4";
     EXPECT_NEAR(durationOf(combined), expected, 1.0 / 25 + 0.03);
     EXPECT_EQ(probeEntry(combined, "width"), "320");
     EXPECT_EQ(audioStreamCount(combined), 1) << "silence fills the part without audio";
@@ -100,7 +108,6 @@ TEST_F(ControllerTest, CombinedBatchJoinsTrimmedPartsInOrder)
         EXPECT_EQ(each.status, ClipStatus::done);
         EXPECT_EQ(each.outputURL, QUrl::fromLocalFile(combined));
     }
-    EXPECT_TRUE(QDir(workspace()).entryList({"concat-*"}, QDir::Dirs).isEmpty()) << "parts removed";
 }
 
 TEST_F(ControllerTest, AFailingClipEndsTheCombinedBatch)
@@ -119,7 +126,7 @@ TEST_F(ControllerTest, AFailingClipEndsTheCombinedBatch)
     EXPECT_EQ(model->errorMessage(), *clipAt(1).errorMessage);
     EXPECT_EQ(model->statusMessage(), "Finished: 0 succeeded, 1 failed.");
     EXPECT_TRUE(outputNames().isEmpty());
-    EXPECT_TRUE(QDir(workspace()).entryList({"concat-*"}, QDir::Dirs).isEmpty());
+    EXPECT_TRUE(outputEntries().isEmpty()) << "parts and claims removed";
 }
 
 TEST_F(ControllerTest, StoppingDuringAClipLeavesEveryClipReadyAndNoChild)
@@ -142,7 +149,7 @@ TEST_F(ControllerTest, StoppingDuringAClipLeavesEveryClipReadyAndNoChild)
     EXPECT_FALSE(model->isConverting());
     EXPECT_TRUE(livingChildren().isEmpty());
     EXPECT_TRUE(QFile::exists(clipAt(0).url.toLocalFile())) << "the source is untouched";
-    EXPECT_TRUE(outputNames().isEmpty()) << "no half-written file is left behind";
+    EXPECT_TRUE(outputEntries().isEmpty()) << "no half-written file or claim is left behind";
 }
 
 TEST_F(ControllerTest, LookUpTableIsStagedOnceAndAgainAfterANewChoice)

@@ -38,7 +38,7 @@ protected:
         QDir().mkpath(outputFolder());
         AppModel::Options options;
         options.outputFolder = std::optional<QString>(outputFolder());
-        options.workspace = workspace();
+        options.workspace = workingFolder();
         options.toolLocator = ToolLocator::fromEnvironment();
         options.now = [] { return QDateTime(QDate(2025, 3, 7), QTime(14, 5, 9), Qt::UTC); };
         options.audioOutput = QStringLiteral("null");
@@ -48,7 +48,9 @@ protected:
     }
 
     QString outputFolder() const { return root.path() + "/out"; }
-    QString workspace() const { return root.path() + "/work"; }
+    QString workingFolder() const { return root.path() + "/work"; }
+    // This controller's run folder inside the working folder.
+    QString workspace() const { return model->workspace(); }
 
     QString clip(const QString& name, const ClipSpec& spec = {})
     {
@@ -81,6 +83,13 @@ protected:
     QStringList outputNames() const
     {
         return QDir(outputFolder()).entryList(QDir::Files, QDir::Name);
+    }
+
+    // Everything in the output folder, hidden entries included.
+    QStringList outputEntries() const
+    {
+        return QDir(outputFolder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                                              QDir::Name);
     }
 
     ClipItem clipAt(int position) const { return model->clips().at(position); }

@@ -22,7 +22,8 @@ protected:
         return test::failureOf(service.concatenate(parts, output, duration, {.codec = VideoCodec::h264},
                                                    320, 180, [this](double f) { progress.push_back(f); }, stop));
     }
-    bool listFileExists() const { return QFileInfo::exists(concatListPath(output)); }
+    // The parts lie in `folder`, which holds the list while joining.
+    bool listFileExists() const { return QFileInfo::exists(concatListPath(folder.path())); }
 
     test::TempFolder folder;
     const QString output = folder.file("out put's [final]; é/all.mp4");
@@ -69,7 +70,7 @@ TEST_F(ConcatenateTest, CopyFailureFallsBackToReencodingAndTheListFileNeverStays
     FFmpegService slow(ToolLocator({test::writeFakeTool(folder.file("b"), "ffmpeg", "exec sleep 30"), {}, {}}));
     std::stop_source stop;
     QTimer::singleShot(200, [&] { stop.request_stop(); });
-    EXPECT_EQ(test::failureOf(slow.concatenate({"/p.mp4"}, output, 1, {}, 2, 2, {}, stop.get_token())),
+    EXPECT_EQ(test::failureOf(slow.concatenate({folder.file("p.mp4")}, output, 1, {}, 2, 2, {}, stop.get_token())),
               FFmpegError::cancelled());
     EXPECT_FALSE(listFileExists());
 }
