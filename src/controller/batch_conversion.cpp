@@ -136,7 +136,9 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
             stored.status = ClipStatus::converting;
             stored.progress = 0;
         });
-        setSelectedClipID(clip.id);
+        // A full selection: the sliders and the preview follow the clip, so
+        // the next commit writes its own grade back, not the previous one's.
+        selectClip(clip.id);
         setStatusMessage((plan.combine ? QStringLiteral("Preparing ") : QStringLiteral("Converting "))
                          + clip.name + QChar(0x2026));
 

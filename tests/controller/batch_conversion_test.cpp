@@ -192,3 +192,19 @@ TEST_F(ControllerTest, UnreadableWatermarkStopsTheBatchBeforeTheFirstClip)
     EXPECT_FALSE(model->isConverting());
     EXPECT_TRUE(outputNames().isEmpty());
 }
+
+TEST_F(ControllerTest, TheSlidersFollowTheClipTheBatchSelects)
+{
+    addAndProbe({clip("a.mov", {.seconds = 0.3, .audio = false}), clip("b.mov", {.seconds = 0.3, .audio = false})});
+    model->updateClip(clipAt(1).id, [](ClipItem& stored) { stored.exposure = -0.5; });
+    model->liveGrade().setExposure(0.5);  // clip a, selected
+
+    convert();
+    ASSERT_EQ(model->selectedClipID(), clipAt(1).id);
+    EXPECT_EQ(model->liveGrade().exposure(), -0.5);
+    EXPECT_TRUE(model->plannedCommands().at(1).arguments.join(" ").contains("exposure=exposure=-0.5000"));
+
+    convert();  // only a re-export: no clip is re-graded
+    EXPECT_EQ(clipAt(0).exposure, 0.5);
+    EXPECT_EQ(clipAt(1).exposure, -0.5);
+}
