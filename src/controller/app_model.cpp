@@ -115,7 +115,9 @@ std::optional<int> AppModel::selectedIndex() const
 
 bool AppModel::canConvert() const
 {
-    return !clips_.isEmpty() && !outputFolder_.isEmpty() && !isConverting_;
+    // A stopped batch may still be winding down its ffmpeg after
+    // isConverting went false; the next one waits until it has ended.
+    return !clips_.isEmpty() && !outputFolder_.isEmpty() && !isConverting_ && !batchRunning_;
 }
 
 bool AppModel::watermarkEditable() const

@@ -118,6 +118,7 @@ public:
     // --- derived ---
     std::optional<ClipItem> selectedClip() const;
     std::optional<int> selectedIndex() const;
+    // False while a batch runs, and while a stopped one still winds down.
     bool canConvert() const;
     bool watermarkEditable() const;
     // Width / height of the selected clip's video; 16/9 when unknown.

@@ -100,6 +100,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
     batchRunning_ = true;
     const auto finishTask = [this] {
         batchRunning_ = false;
+        notifyDerived();
         Q_EMIT batchEnded();
     };
 

@@ -208,3 +208,29 @@ TEST_F(ControllerTest, TheSlidersFollowTheClipTheBatchSelects)
     EXPECT_EQ(clipAt(0).exposure, 0.5);
     EXPECT_EQ(clipAt(1).exposure, -0.5);
 }
+
+TEST_F(ControllerTest, ConvertWaitsUntilAStoppedBatchHasWoundDown)
+{
+    // Like ffmpeg, it takes its time to finish up after SIGTERM.
+    useToolsIn(writeFakeTool(root.file("tools"), "ffmpeg",
+                             "trap 'sleep 1; exit 255' TERM; while true; do sleep 0.05; done"));
+    addAndProbe({clip("a.mov", {.seconds = 0.3}), clip("b.mov", {.seconds = 0.3})});
+    int ended = 0;
+    QObject::connect(model.get(), &AppModel::batchEnded, [&ended] { ++ended; });
+
+    model->startConversion();
+    spinEventLoop(300);
+    model->cancelConversion();
+    EXPECT_FALSE(model->isConverting());
+    EXPECT_FALSE(model->canConvert()) << "the stopped batch still winds down";
+    model->startConversion();  // Convert at once: nothing starts
+    waitForTask(model->conversionFinished());
+    spinEventLoop(100);
+
+    EXPECT_EQ(ended, 1);
+    EXPECT_TRUE(model->canConvert());
+    EXPECT_FALSE(model->isConverting());
+    EXPECT_EQ(model->statusMessage(), "Conversion stopped.");
+    EXPECT_EQ(clipAt(0).status, ClipStatus::ready);
+    EXPECT_TRUE(livingChildren().isEmpty());
+}

@@ -36,10 +36,23 @@ protected:
     ControllerTest()
     {
         QDir().mkpath(outputFolder());
+        makeModel(ToolLocator::fromEnvironment());
+    }
+
+    // A new controller whose tools are looked for in `folder` first (the
+    // real ones still come from PATH).
+    void useToolsIn(const QString& folder)
+    {
+        model.reset();
+        makeModel(ToolLocator({folder, {}, qEnvironmentVariable("PATH")}));
+    }
+
+    void makeModel(ToolLocator tools)
+    {
         AppModel::Options options;
         options.outputFolder = std::optional<QString>(outputFolder());
         options.workspace = workspace();
-        options.toolLocator = ToolLocator::fromEnvironment();
+        options.toolLocator = std::move(tools);
         options.now = [] { return QDateTime(QDate(2025, 3, 7), QTime(14, 5, 9), Qt::UTC); };
         options.audioOutput = QStringLiteral("null");
         model = std::make_unique<AppModel>(options);
