@@ -74,6 +74,10 @@ QString FFmpegService::binaryPath(const QString& toolName) const
 
 void FFmpegService::stopChild(QProcess* process, RunState& state)
 {
+    // A child that has already ended finished on its own: a stop that comes
+    // before its run resumes must not turn that result into a cancellation.
+    if (state.ended)
+        return;
     state.cancelFlag = true;
     if (!process || process->state() == QProcess::NotRunning)
         return;
@@ -97,7 +101,7 @@ void FFmpegService::cancel()
     // The flag is marked as well as the signal sent: ffmpeg answers SIGTERM
     // by finishing up and exiting with status 255, which alone would look
     // like a failure.
-    if (conversion_.state)
+    if (conversion_.state && !conversion_.state->ended)
         stopChild(conversion_.process.data(), *conversion_.state);
     conversion_ = {};
 }
