@@ -176,9 +176,14 @@ QCoro::Task<QString> FFmpegService::run(QString executable, QStringList argument
         conversion_ = {};
     if (state->startFailed)
         throw PlatformError(state->startError);
-    if (state->cancelFlag || state->exitStatus == QProcess::CrashExit || state->exitCode == 9
-        || state->exitCode == 15)
+    if (state->cancelFlag)
         throw FFmpegError::cancelled();
+    // Only a stop asked for here is a cancellation; a child killed by anyone
+    // else, or crashing, failed. (Qt reports the signal number as the code.)
+    if (state->exitStatus == QProcess::CrashExit)
+        throw FFmpegError::conversionFailed(QStringLiteral("%1 ended unexpectedly (signal %2).")
+                                                .arg(info.fileName())
+                                                .arg(state->exitCode));
     if (state->exitCode == 0)
         co_return state->out;
     const QString message = state->err.trimmed();

@@ -234,3 +234,14 @@ TEST_F(ControllerTest, ConvertWaitsUntilAStoppedBatchHasWoundDown)
     EXPECT_EQ(clipAt(0).status, ClipStatus::ready);
     EXPECT_TRUE(livingChildren().isEmpty());
 }
+
+TEST_F(ControllerTest, AnFfmpegKilledThatNobodyStoppedFailsItsClip)
+{
+    useToolsIn(writeFakeTool(root.file("tools"), "ffmpeg", "kill -KILL $$"));
+    addAndProbe({clip("a.mov", {.seconds = 0.3}), clip("b.mov", {.seconds = 0.3})});
+    convert();
+    EXPECT_EQ(clipAt(0).status, ClipStatus::failed);
+    EXPECT_EQ(clipAt(0).errorMessage, "ffmpeg ended unexpectedly (signal 9).");
+    EXPECT_EQ(model->errorMessage(), "ffmpeg ended unexpectedly (signal 9).");
+    EXPECT_EQ(model->statusMessage(), "Finished: 0 succeeded, 1 failed.");
+}

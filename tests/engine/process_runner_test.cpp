@@ -64,10 +64,10 @@ TEST_F(ProcessRunnerTest, ExitStatusBecomesOutputOrError)
         {"printf '\\n  \\n  moov atom not found \\t\\n\\n' >&2; exit 1",
          FFmpegError::conversionFailed("moov atom not found")},
         {"echo 'first\nsecond' >&2; exit 3", FFmpegError::conversionFailed("first\nsecond")},
-        {"echo ignored; exit 15", FFmpegError::cancelled()},
-        {"exit 9", FFmpegError::cancelled()},
-        {"kill -TERM $$", FFmpegError::cancelled()},
-        {"kill -SEGV $$", FFmpegError::cancelled()},
+        // Nobody asked for these stops: they are failures, never "stopped".
+        {"echo ignored; exit 15", FFmpegError::conversionFailed("FFmpeg stopped with code 15.")},
+        {"kill -KILL $$", FFmpegError::conversionFailed("tool ended unexpectedly (signal 9).")},
+        {"kill -SEGV $$", FFmpegError::conversionFailed("tool ended unexpectedly (signal 11).")},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.script);
