@@ -94,6 +94,7 @@ void printPlan(AppModel& model)
         out << QJsonDocument(argv).toJson(QJsonDocument::Compact) << "\n# output: " << command.output
             << "\n";
     }
+    out << "# forecast: " << forecastSummary(model.sizeForecast()) << "\n";
 }
 
 // What the progress display shows for the batch as it stands.

@@ -26,7 +26,8 @@ std::optional<QString> defaultOutputFolder()
 AppModel::AppModel() : AppModel(Options{}) {}
 
 AppModel::AppModel(Options options)
-    : ffmpeg_(std::move(options.toolLocator)), now_(std::move(options.now))
+    : ffmpeg_(std::move(options.toolLocator)), now_(std::move(options.now)),
+      freeSpace_(std::move(options.freeSpace))
 {
     previews_ = options.previews;
     workspace_ = options.workspace ? *options.workspace

@@ -17,6 +17,8 @@
 
 #include "controller/batch_plan.h"
 #include "controller/desktop_services.h"
+#include "controller/free_space.h"
+#include "controller/size_forecast.h"
 #include "engine/ffmpeg_service.h"
 #include "grading/live_grade.h"
 #include "grading/preview_grader.h"
@@ -88,6 +90,9 @@ public:
         // Off for the headless commands: no clip is loaded into a player and
         // no still is extracted; the playhead and grade bookkeeping remain.
         bool previews = true;
+        // Free space of the file system holding a folder; checked before a
+        // batch starts.
+        FreeSpaceQuery freeSpace = freeSpaceOnDisk;
     };
 
     AppModel();
@@ -121,6 +126,8 @@ public:
     // False while a batch runs, and while a stopped one still winds down.
     bool canConvert() const;
     bool watermarkEditable() const;
+    // What the batch would write if it started now.
+    SizeForecast sizeForecast() const { return forecastBatch(clips_, settings_); }
     // Width / height of the selected clip's video; 16/9 when unknown.
     double previewVideoAspect() const;
 
@@ -292,6 +299,7 @@ private:
     double watermarkImageAspect() const;
     void applyProgress(int position, double fraction, int denominator);
     QString finalStatus(bool cancelled, bool stopped, bool combine) const;
+    std::optional<QString> spaceShortageFor(const QString& outputFolder) const;
 
     // Published fields, in declaration order.
     QList<ClipItem> clips_;
@@ -339,6 +347,7 @@ private:
     bool consumedPlayAllAdvance_ = false;
     QString workspace_;
     std::function<QDateTime()> now_;
+    FreeSpaceQuery freeSpace_;
     DesktopServices* desktop_ = nullptr;
     std::stop_source lifetime_;  // stops every task when the controller goes
     bool lastCanConvert_ = false;

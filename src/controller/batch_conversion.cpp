@@ -16,10 +16,15 @@ void AppModel::startConversion()
     if (!canConvert() || outputFolder_.isEmpty())
         return;
     commitLiveGrade();
+    const QString folder = outputFolder_.toLocalFile();
+    if (const auto shortage = spaceShortageFor(folder)) {
+        setErrorMessage(*shortage);
+        setStatusMessage(QStringLiteral("Not started: not enough free space."));
+        return;
+    }
     pausePlayback(true);
     trimPlayer_->pause();
     trimClock_.setIsPlaying(false);
-    const QString folder = outputFolder_.toLocalFile();
     QDir().mkpath(folder);
 
     setIsConverting(true);
@@ -36,6 +41,14 @@ void AppModel::startConversion()
     convertTask_.request_stop();
     convertTask_ = std::stop_source();
     runBatch(folder, convertTask_.get_token());  // runs on; stopped through convertTask_
+}
+
+// The outputs go to the output folder, the parts of a combined export to the
+// working folder, which may be another file system.
+std::optional<QString> AppModel::spaceShortageFor(const QString& outputFolder) const
+{
+    const SizeForecast forecast = sizeForecast();
+    return spaceShortage({{outputFolder, forecast.outputBytes()}, {workspace_, forecast.parts}}, freeSpace_);
 }
 
 void AppModel::cancelConversion()

@@ -245,3 +245,34 @@ TEST_F(ControllerTest, AnFfmpegKilledThatNobodyStoppedFailsItsClip)
     EXPECT_EQ(model->errorMessage(), "ffmpeg ended unexpectedly (signal 9).");
     EXPECT_EQ(model->statusMessage(), "Finished: 0 succeeded, 1 failed.");
 }
+
+TEST_F(ControllerTest, ABatchThatWouldNotFitIsNotStarted)
+{
+    QStringList asked;
+    int64_t available = 900'000;
+    useFreeSpace([&](const QString& folder) {
+        asked << folder;
+        return std::optional(VolumeSpace{"/", available});
+    });
+    addAndProbe({clip("a.mov", {.seconds = 1.0}), clip("b.mov", {.seconds = 1.0})});
+    EncodeSettings settings = model->settings();
+    settings.concatenateClips = true;
+    model->setSettings(settings);
+    const SizeForecast forecast = model->sizeForecast();
+    ASSERT_GT(forecast.parts, 0);
+
+    convert();
+    EXPECT_EQ(asked, (QStringList{outputFolder(), workspace()})) << "the parts count where they are made";
+    EXPECT_TRUE(model->errorMessage().startsWith("Not enough free space for this batch in " + outputFolder()
+                                                 + ": it needs about "))
+        << model->errorMessage().toStdString();
+    EXPECT_TRUE(model->errorMessage().endsWith(", and 900 kB is free."));
+    EXPECT_FALSE(model->isConverting());
+    EXPECT_TRUE(model->canConvert());
+    EXPECT_EQ(clipAt(0).status, ClipStatus::ready);
+    EXPECT_TRUE(outputNames().isEmpty());
+
+    available = (forecast.outputBytes() + forecast.parts) * 21 / 20 + 1;  // with 5 % to spare
+    convert();
+    EXPECT_EQ(model->statusMessage(), "Done: combined 2 clips into one video.");
+}

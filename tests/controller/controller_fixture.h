@@ -47,6 +47,14 @@ protected:
         makeModel(ToolLocator({folder, {}, qEnvironmentVariable("PATH")}));
     }
 
+    // A new controller that learns free space from `query`.
+    void useFreeSpace(FreeSpaceQuery query)
+    {
+        freeSpace = std::move(query);
+        model.reset();
+        makeModel(ToolLocator::fromEnvironment());
+    }
+
     void makeModel(ToolLocator tools)
     {
         AppModel::Options options;
@@ -55,6 +63,7 @@ protected:
         options.toolLocator = std::move(tools);
         options.now = [] { return QDateTime(QDate(2025, 3, 7), QTime(14, 5, 9), Qt::UTC); };
         options.audioOutput = QStringLiteral("null");
+        options.freeSpace = freeSpace;
         model = std::make_unique<AppModel>(options);
         model->ffmpeg().pinSoftwareEncoders();
         model->setDesktopServices(&desktop);
@@ -100,6 +109,7 @@ protected:
 
     TempFolder root;
     CannedDesktop desktop;
+    FreeSpaceQuery freeSpace = freeSpaceOnDisk;
     std::unique_ptr<AppModel> model;
 };
 
