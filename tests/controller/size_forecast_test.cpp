@@ -8,7 +8,7 @@ using namespace tavrelune;
 namespace {
 
 ClipItem clip(int64_t width, int64_t height, std::optional<double> seconds, bool audio = true,
-              std::optional<int64_t> audioBitrate = std::nullopt)
+              std::optional<int64_t> audioBitrate = std::nullopt, double inPoint = 0)
 {
     ClipItem item(QUrl::fromLocalFile("/in/c.mov"));
     item.width = width;
@@ -16,17 +16,8 @@ ClipItem clip(int64_t width, int64_t height, std::optional<double> seconds, bool
     item.duration = seconds;
     item.hasAudio = audio;
     item.audioBitrate = audioBitrate;
+    item.inPoint = inPoint;
     return item;
-}
-
-EncodeSettings settings(VideoCodec codec, QualityPreset quality, bool removeAudio = false, bool combine = false)
-{
-    EncodeSettings result;
-    result.codec = codec;
-    result.quality = quality;
-    result.removeAudio = removeAudio;
-    result.concatenateClips = combine;
-    return result;
 }
 
 }  // namespace
@@ -35,32 +26,27 @@ TEST(SizeForecast, EachOutputIsItsBitratesTimesItsLength)
 {
     // HEVC "High" at 1920x1080: 13478 kb/s; H.264 "Small file" at the
     // 1280x720 floor: 2949 kb/s. One kb/s for one second is 125 bytes.
-    const auto hevcHigh = settings(VideoCodec::hevc, QualityPreset::high);
-    ClipItem trimmed = clip(1920, 1080, 10, true, 128000);
-    trimmed.inPoint = 2;
-    struct Case {
+    const EncodeSettings hevcHigh;
+    const struct {
         const char* what;
         QList<ClipItem> clips;
         EncodeSettings settings;
         QList<int64_t> outputs;
         int64_t parts;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"copied audio at its probed rate", {clip(1920, 1080, 10, true, 128000)}, hevcHigh,
          {(13478 + 128) * 125 * 10}, 0},
-        {"copied audio of unknown rate", {clip(1920, 1080, 10)}, hevcHigh, {(13478 + 192) * 125 * 10}, 0},
-        {"trimmed: audio re-encoded, 8 s", {trimmed}, hevcHigh, {(13478 + 192) * 125 * 8}, 0},
-        {"no audio in the source", {clip(1920, 1080, 10, false)}, hevcHigh, {13478 * 125 * 10}, 0},
-        {"audio removed, small frame", {clip(320, 180, 10, true, 128000)},
-         settings(VideoCodec::h264, QualityPreset::small, true), {2949 * 125 * 10}, 0},
-        {"unknown length", {clip(1920, 1080, std::nullopt), clip(1920, 1080, 1, false)}, hevcHigh,
-         {0, 13478 * 125}, 0},
+        {"copied audio of unknown rate; no audio", {clip(1920, 1080, 10), clip(1920, 1080, 10, false)}, hevcHigh,
+         {(13478 + 192) * 125 * 10, 13478 * 125 * 10}, 0},
+        {"trimmed to 8 s: audio re-encoded", {clip(1920, 1080, 10, true, 128000, 2)}, hevcHigh,
+         {(13478 + 192) * 125 * 8}, 0},
+        {"audio removed, small frame, unknown length", {clip(320, 180, 10, true, 128000), clip(320, 180, {})},
+         {.codec = VideoCodec::h264, .quality = QualityPreset::small, .removeAudio = true}, {2949 * 125 * 10, 0}, 0},
         // Parts take the first clip's size; the silent one gets silence.
-        {"combined", {clip(1920, 1080, 10, true, 128000), clip(640, 360, 5, false)},
-         settings(VideoCodec::hevc, QualityPreset::high, false, true),
+        {"combined", {clip(1920, 1080, 10, true, 128000), clip(640, 360, 5, false)}, {.concatenateClips = true},
          {(13478 + 192) * 125 * 15}, (13478 + 192) * 125 * 15},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         const SizeForecast forecast = forecastBatch(c.clips, c.settings);
         EXPECT_EQ(forecast.outputs, c.outputs) << c.what;
         EXPECT_EQ(forecast.parts, c.parts) << c.what;
@@ -71,15 +57,10 @@ TEST(SizeForecast, SummaryText)
 {
     const std::pair<QList<int64_t>, const char*> cases[] = {
         {{}, ""},
-        {{0}, "About 0 kB in 1 file"},
         {{1}, "About 1 kB in 1 file"},
-        {{999'400}, "About 999 kB in 1 file"},
         {{999'600}, "About 1.0 MB in 1 file"},
-        {{12'340'000}, "About 12.3 MB in 1 file"},
         {{400'000'000, 420'400'000}, "About 820 MB in 2 files"},
-        {{999'499'999}, "About 999 MB in 1 file"},
         {{500'000'000, 500'000'000, 400'000'000}, "About 1.4 GB in 3 files"},
-        {{2'360'000'000'000}, "About 2.4 TB in 1 file"},
     };
     for (const auto& [outputs, text] : cases)
         EXPECT_EQ(forecastSummary({outputs, 0}), text) << text;
