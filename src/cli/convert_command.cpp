@@ -10,7 +10,9 @@
 #include "controller/app_model.h"
 #include "engine/blocking_wait.h"
 #include "model/media_type.h"
+#include "model/time_formatting.h"
 
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -111,11 +113,13 @@ int printPlan(AppModel& model, InterruptWatcher& interrupts)
         text += QString::fromUtf8(QJsonDocument(argv).toJson(QJsonDocument::Compact)) + "\n# output: "
                 + printablePath(command.output) + "\n";
     }
+    text += "# forecast: " + forecastSummary(model.sizeForecast()) + "\n";
     return print(text, interrupts);
 }
 
-// What the progress display shows for the batch as it stands.
-ProgressState progressOf(const AppModel& model)
+// What the progress display shows for the batch as it stands, `elapsed`
+// seconds after it started.
+ProgressState progressOf(const AppModel& model, double elapsed)
 {
     const QList<ClipItem>& clips = model.clips();
     const double overall = model.conversionFraction();
@@ -127,10 +131,12 @@ ProgressState progressOf(const AppModel& model)
                             });
     if (joining) {
         const auto n = static_cast<double>(clips.size());
-        return {QStringLiteral("combined video"), std::clamp(overall * (n + 1) - n, 0.0, 1.0), overall};
+        return {QStringLiteral("combined video"), std::clamp(overall * (n + 1) - n, 0.0, 1.0), overall,
+                TimeFormatting::timeLeft(elapsed, overall)};
     }
     const auto clip = model.selectedClip();
-    return {clip ? clip->name : QString(), clip ? clip->progress : 0.0, overall};
+    return {clip ? clip->name : QString(), clip ? clip->progress : 0.0, overall,
+            TimeFormatting::timeLeft(elapsed, overall)};
 }
 
 QStringList writtenFiles(const AppModel& model)
@@ -145,6 +151,7 @@ QStringList writtenFiles(const AppModel& model)
 QCoro::Task<int> runBatch(AppModel& model, InterruptWatcher& interrupts)
 {
     ProgressPrinter printer = ProgressPrinter::forStandardError();
+    QElapsedTimer clock;
     {
         QObject listening;  // its end disconnects everything below
         // Status texts written after the batch stops (twice after a stop)
@@ -157,7 +164,7 @@ QCoro::Task<int> runBatch(AppModel& model, InterruptWatcher& interrupts)
         // fraction, so the fraction's change sees both up to date.
         QObject::connect(&model, &AppModel::conversionFractionChanged, &listening, [&] {
             if (model.isConverting())
-                printer.progress(progressOf(model));
+                printer.progress(progressOf(model, static_cast<double>(clock.elapsed()) / 1000.0));
         });
         QObject::connect(&model, &AppModel::errorMessageChanged, &listening, [&] {
             if (model.errorMessage().isEmpty())
@@ -171,6 +178,7 @@ QCoro::Task<int> runBatch(AppModel& model, InterruptWatcher& interrupts)
         QObject::connect(&interrupts, &InterruptWatcher::interruptReceived, &listening,
                          [&model] { model.cancelConversion(); });
 
+        clock.start();
         model.startConversion();
         co_await model.conversionFinished();
     }

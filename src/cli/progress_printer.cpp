@@ -24,9 +24,9 @@ QString progressBar(double fraction, int cells)
 
 QString terminalLine(const ProgressState& state, int columns)
 {
-    const QString numbers = QStringLiteral(" %1%  overall %2%")
-                                .arg(percent(state.item), 3)
-                                .arg(percent(state.overall));
+    QString numbers = QStringLiteral(" %1%  overall %2%").arg(percent(state.item), 3).arg(percent(state.overall));
+    if (!state.timeLeft.isEmpty())
+        numbers += QStringLiteral("  ") + state.timeLeft;
     // Leave the last column free: writing into it makes some terminals wrap.
     const int room = std::max(columns - 1, 20);
     const int cells = std::clamp(room / 4, 10, 30);
@@ -39,10 +39,11 @@ QString terminalLine(const ProgressState& state, int columns)
 
 QString plainLine(const ProgressState& state)
 {
-    return QStringLiteral("%1: %2% (overall %3%)")
+    return QStringLiteral("%1: %2% (overall %3%%4)")
         .arg(state.label)
         .arg(percent(state.item))
-        .arg(percent(state.overall));
+        .arg(percent(state.overall))
+        .arg(state.timeLeft.isEmpty() ? QString() : QStringLiteral(", ") + state.timeLeft);
 }
 
 ProgressPrinter::ProgressPrinter(std::FILE* stream, Mode mode, int columns)

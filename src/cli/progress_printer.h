@@ -13,6 +13,7 @@ struct ProgressState {
     QString label;       // the clip being converted, or what the batch is doing
     double item = 0;     // fraction of that step, 0 to 1
     double overall = 0;  // fraction of the batch, 0 to 1
+    QString timeLeft;    // "about 4 min left", or empty while unknown
 
     bool operator==(const ProgressState&) const = default;
 };
@@ -24,10 +25,10 @@ int percent(double fraction);
 QString progressBar(double fraction, int cells);
 
 // The bar line for a terminal `columns` wide: label, bar, percent, overall
-// percent. The label is shortened (ending in "…") when the line would not fit.
+// percent, time left. The label is shortened (ending in "…") when the line would not fit.
 QString terminalLine(const ProgressState& state, int columns);
 
-// One line of the plain form: "A001.mov: 40% (overall 13%)".
+// One line of the plain form: "A001.mov: 40% (overall 13%, about 4 min left)".
 QString plainLine(const ProgressState& state);
 
 class ProgressPrinter {

@@ -29,7 +29,8 @@ std::optional<QString> defaultOutputFolder()
 AppModel::AppModel() : AppModel(Options{}) {}
 
 AppModel::AppModel(Options options)
-    : ffmpeg_(std::move(options.toolLocator)), now_(std::move(options.now))
+    : ffmpeg_(std::move(options.toolLocator)), now_(std::move(options.now)),
+      freeSpace_(std::move(options.freeSpace))
 {
     previews_ = options.previews;
     workingFolder_ = options.workspace ? *options.workspace
@@ -123,7 +124,9 @@ std::optional<int> AppModel::selectedIndex() const
 
 bool AppModel::canConvert() const
 {
-    return !clips_.isEmpty() && !outputFolder_.isEmpty() && !isConverting_;
+    // A stopped batch may still be winding down its ffmpeg after
+    // isConverting went false; the next one waits until it has ended.
+    return !clips_.isEmpty() && !outputFolder_.isEmpty() && !isConverting_ && !batchRunning_;
 }
 
 bool AppModel::watermarkEditable() const

@@ -18,6 +18,8 @@
 #include "controller/batch_plan.h"
 #include "controller/desktop_services.h"
 #include "controller/run_folder.h"
+#include "controller/free_space.h"
+#include "controller/size_forecast.h"
 #include "engine/ffmpeg_service.h"
 #include "grading/live_grade.h"
 #include "grading/preview_grader.h"
@@ -91,6 +93,9 @@ public:
         // Off for the headless commands: no clip is loaded into a player and
         // no still is extracted; the playhead and grade bookkeeping remain.
         bool previews = true;
+        // Free space of the file system holding a folder; checked before a
+        // batch starts.
+        FreeSpaceQuery freeSpace = freeSpaceOnDisk;
     };
 
     AppModel();
@@ -121,8 +126,11 @@ public:
     // --- derived ---
     std::optional<ClipItem> selectedClip() const;
     std::optional<int> selectedIndex() const;
+    // False while a batch runs, and while a stopped one still winds down.
     bool canConvert() const;
     bool watermarkEditable() const;
+    // What the batch would write if it started now.
+    SizeForecast sizeForecast() const { return forecastBatch(clips_, settings_); }
     // Width / height of the selected clip's video; 16/9 when unknown.
     double previewVideoAspect() const;
 
@@ -299,6 +307,7 @@ private:
     // Between a conversion's end and its rename into place: throws when the
     // written file is not a usable result.
     QCoro::Task<void> checkFinishedOutput(QString path, std::stop_token stop);
+    std::optional<QString> spaceShortageFor(const QString& outputFolder) const;
 
     // Published fields, in declaration order.
     QList<ClipItem> clips_;
@@ -348,6 +357,7 @@ private:
     std::optional<RunFolder> runFolder_;
     QString workspace_;  // the run folder's path
     std::function<QDateTime()> now_;
+    FreeSpaceQuery freeSpace_;
     DesktopServices* desktop_ = nullptr;
     std::stop_source lifetime_;  // stops every task when the controller goes
     bool lastCanConvert_ = false;

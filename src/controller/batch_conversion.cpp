@@ -25,10 +25,15 @@ void AppModel::startConversion()
     if (!canConvert() || outputFolder_.isEmpty())
         return;
     commitLiveGrade();
+    const QString folder = outputFolder_.toLocalFile();
+    if (const auto shortage = spaceShortageFor(folder)) {
+        setErrorMessage(*shortage);
+        setStatusMessage(QStringLiteral("Not started: not enough free space."));
+        return;
+    }
     pausePlayback(true);
     trimPlayer_->pause();
     trimClock_.setIsPlaying(false);
-    const QString folder = outputFolder_.toLocalFile();
     QDir().mkpath(folder);
 
     setIsConverting(true);
@@ -45,6 +50,14 @@ void AppModel::startConversion()
     convertTask_.request_stop();
     convertTask_ = std::stop_source();
     runBatch(folder, convertTask_.get_token());  // runs on; stopped through convertTask_
+}
+
+// The outputs and the parts of a combined export both go to the output
+// folder (the parts in a hidden folder there), so both need room there.
+std::optional<QString> AppModel::spaceShortageFor(const QString& outputFolder) const
+{
+    const SizeForecast forecast = sizeForecast();
+    return spaceShortage({{outputFolder, forecast.outputBytes()}, {outputFolder, forecast.parts}}, freeSpace_);
 }
 
 void AppModel::cancelConversion()
@@ -109,6 +122,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
     batchRunning_ = true;
     const auto finishTask = [this] {
         batchRunning_ = false;
+        notifyDerived();
         Q_EMIT batchEnded();
     };
 
@@ -152,7 +166,9 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
             stored.status = ClipStatus::converting;
             stored.progress = 0;
         });
-        setSelectedClipID(clip.id);
+        // A full selection: the sliders and the preview follow the clip, so
+        // the next commit writes its own grade back, not the previous one's.
+        selectClip(clip.id);
         setStatusMessage((plan.combine ? QStringLiteral("Preparing ") : QStringLiteral("Converting "))
                          + clip.name + QChar(0x2026));
 

@@ -83,6 +83,8 @@ QCoro::Task<void> AppModel::probePendingClips()
             stored.codecName = info->codecName;
             stored.fps = info->fps;
             stored.hasAudio = info->hasAudio;
+            if (info->audioBitrate > 0)
+                stored.audioBitrate = info->audioBitrate;
             stored.clampTrimTo(info->duration);
         });
     }

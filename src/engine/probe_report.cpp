@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMetaType>
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -15,7 +16,7 @@ namespace tavrelune::ProbeReport {
 QStringList arguments(const QString& path)
 {
     return {"-v", "error", "-show_entries",
-            "format=duration:stream=codec_type,codec_name,width,height,pix_fmt,r_frame_rate,avg_frame_rate",
+            "format=duration:stream=codec_type,codec_name,width,height,pix_fmt,r_frame_rate,avg_frame_rate,bit_rate",
             "-of", "json", path};
 }
 
@@ -130,17 +131,19 @@ MediaInfo parse(const QString& report)
     }
 
     std::optional<QJsonObject> video;
-    bool hasAudio = false;
+    std::optional<QJsonObject> audio;
     for (const QJsonObject& stream : streams) {
         const QJsonValue type = stream.value("codec_type");
         if (!video && type.isString() && type.toString() == "video")
             video = stream;
-        if (type.isString() && type.toString() == "audio")
-            hasAudio = true;
+        if (!audio && type.isString() && type.toString() == "audio")
+            audio = stream;
     }
 
     MediaInfo info;
-    info.hasAudio = hasAudio;
+    info.hasAudio = audio.has_value();
+    if (audio)
+        info.audioBitrate = std::max<int64_t>(intValue(audio->value("bit_rate")), 0);
     info.duration = format ? doubleValue(format->value("duration")) : 0.0;
     if (video) {
         info.width = intValue(video->value("width"));

@@ -74,6 +74,10 @@ QString FFmpegService::binaryPath(const QString& toolName) const
 
 void FFmpegService::stopChild(QProcess* process, RunState& state)
 {
+    // A child that has already ended finished on its own: a stop that comes
+    // before its run resumes must not turn that result into a cancellation.
+    if (state.ended)
+        return;
     state.cancelFlag = true;
     if (!process || process->state() == QProcess::NotRunning)
         return;
@@ -97,7 +101,7 @@ void FFmpegService::cancel()
     // The flag is marked as well as the signal sent: ffmpeg answers SIGTERM
     // by finishing up and exiting with status 255, which alone would look
     // like a failure.
-    if (conversion_.state)
+    if (conversion_.state && !conversion_.state->ended)
         stopChild(conversion_.process.data(), *conversion_.state);
     conversion_ = {};
 }
@@ -172,9 +176,14 @@ QCoro::Task<QString> FFmpegService::run(QString executable, QStringList argument
         conversion_ = {};
     if (state->startFailed)
         throw PlatformError(state->startError);
-    if (state->cancelFlag || state->exitStatus == QProcess::CrashExit || state->exitCode == 9
-        || state->exitCode == 15)
+    if (state->cancelFlag)
         throw FFmpegError::cancelled();
+    // Only a stop asked for here is a cancellation; a child killed by anyone
+    // else, or crashing, failed. (Qt reports the signal number as the code.)
+    if (state->exitStatus == QProcess::CrashExit)
+        throw FFmpegError::conversionFailed(QStringLiteral("%1 ended unexpectedly (signal %2).")
+                                                .arg(info.fileName())
+                                                .arg(state->exitCode));
     if (state->exitCode == 0)
         co_return state->out;
     const QString message = state->err.trimmed();

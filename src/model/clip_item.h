@@ -33,6 +33,7 @@ struct ClipItem {
     std::optional<QString> codecName;
     std::optional<double> fps;
     bool hasAudio = true;
+    std::optional<int64_t> audioBitrate;  // bits per second, when the probe learned it
     double exposure = 0;
     double contrast = 1;
     double saturation = 1;

@@ -14,6 +14,7 @@ struct MediaInfo {
     QString pixFmt;               // empty when absent
     double fps = 24;              // 24 when no rate could be read
     bool hasAudio = false;
+    int64_t audioBitrate = 0;     // first audio stream, bits per second; 0 when unknown
 
     bool operator==(const MediaInfo&) const = default;
 };

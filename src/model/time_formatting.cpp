@@ -34,3 +34,26 @@ QString clock(double seconds, bool tenths)
 }
 
 }  // namespace tavrelune::TimeFormatting
+
+namespace tavrelune::TimeFormatting {
+
+QString timeLeft(double elapsedSeconds, double fraction)
+{
+    if (!(fraction > 0) || fraction >= 1 || !(elapsedSeconds >= 0) || !std::isfinite(elapsedSeconds))
+        return QString();
+    if (fraction < 0.05 && elapsedSeconds < 3)
+        return QString();
+    // Ten thousand hours is as far as a guess is worth showing.
+    const double remaining = std::min(elapsedSeconds * (1 - fraction) / fraction, 3.6e7);
+    const auto seconds = static_cast<int64_t>(std::ceil(remaining / 5) * 5);
+    if (seconds < 60)
+        return QStringLiteral("about %1 s left").arg(std::max<int64_t>(seconds, 5));
+    const auto minutes = std::max<int64_t>(static_cast<int64_t>(std::round(remaining / 60)), 1);
+    if (minutes < 60)
+        return QStringLiteral("about %1 min left").arg(minutes);
+    if (minutes % 60 == 0)
+        return QStringLiteral("about %1 h left").arg(minutes / 60);
+    return QStringLiteral("about %1 h %2 min left").arg(minutes / 60).arg(minutes % 60);
+}
+
+}  // namespace tavrelune::TimeFormatting

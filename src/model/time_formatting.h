@@ -9,4 +9,10 @@ namespace tavrelune::TimeFormatting {
 // million years are shown as that limit.
 QString clock(double seconds, bool tenths = false);
 
+// What is left of a job `fraction` done (0 to 1) after `elapsedSeconds`, at
+// the pace so far: "about 40 s left", "about 4 min left", "about 1 h 5 min
+// left". Empty until 5 % is done or 3 s have passed (earlier guesses swing
+// widely), and once done.
+QString timeLeft(double elapsedSeconds, double fraction);
+
 }  // namespace tavrelune::TimeFormatting

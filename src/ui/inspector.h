@@ -1,11 +1,14 @@
 // The right pane: every export choice and per-clip grade control, as a
 // scrolling column of cards (LUT, Watermark, Per clip, Export, Output
-// folder) ending in the convert button.
+// folder) ending in the convert button, with the forecast of what the batch
+// will write under it ("About 1.4 GB in 3 files").
 //
 // Main thread. The cards follow the controller, which must outlive them.
 #pragma once
 
 #include <QScrollArea>
+
+class QLabel;
 
 namespace tavrelune {
 class AppModel;
@@ -31,6 +34,7 @@ public:
     ExportCard* exportCard() const { return export_; }
     OutputFolderCard* outputFolderCard() const { return output_; }
     ConvertButton* convertButton() const { return convert_; }
+    QString forecastText() const;
 
 private:
     LutCard* lut_;
@@ -39,6 +43,7 @@ private:
     ExportCard* export_;
     OutputFolderCard* output_;
     ConvertButton* convert_;
+    QLabel* forecast_;
 };
 
 }  // namespace tavrelune::ui

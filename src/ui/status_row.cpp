@@ -1,6 +1,7 @@
 #include "ui/status_row.h"
 
 #include "controller/app_model.h"
+#include "model/time_formatting.h"
 #include "ui/appearance.h"
 #include "ui/small_button.h"
 #include "ui/elided_label.h"
@@ -37,6 +38,9 @@ StatusRow::StatusRow(AppModel& model, QWidget* parent) : QWidget(parent), model_
     connect(stop_, &QPushButton::clicked, &model_, &AppModel::cancelConversion);
     message_ = new ElidedLabel;
     appearance::setTextColor(message_, secondary);
+    timeLeft_ = new QLabel;
+    timeLeft_->setTextFormat(Qt::PlainText);
+    appearance::setTextColor(timeLeft_, secondary);
     summary_ = new QLabel;
     summary_->setTextFormat(Qt::PlainText);
     appearance::setTextColor(summary_, secondary);
@@ -46,6 +50,7 @@ StatusRow::StatusRow(AppModel& model, QWidget* parent) : QWidget(parent), model_
     row->setSpacing(12);
     row->addWidget(progress_);
     row->addWidget(stop_);
+    row->addWidget(timeLeft_);
     row->addWidget(message_, 1);
     row->addWidget(summary_);
 
@@ -67,13 +72,23 @@ QString StatusRow::summary(qsizetype clipCount, const QUrl& lut)
 }
 
 QString StatusRow::summaryText() const { return summary_->text(); }
+QString StatusRow::timeLeftText() const { return timeLeft_->isHidden() ? QString() : timeLeft_->text(); }
 bool StatusRow::showsProgress() const { return !progress_->isHidden(); }
 
 void StatusRow::followConversion()
 {
     const bool converting = model_.isConverting();
+    if (converting && !batchClock_.isValid())
+        batchClock_.start();
+    else if (!converting)
+        batchClock_.invalidate();
     progress_->setVisible(converting);
     stop_->setVisible(converting);
+    const QString left = converting ? TimeFormatting::timeLeft(static_cast<double>(batchClock_.elapsed()) / 1000.0,
+                                                                model_.conversionFraction())
+                                    : QString();
+    timeLeft_->setText(left);
+    timeLeft_->setVisible(!left.isEmpty());
     progress_->setValue(static_cast<int>(std::clamp(model_.conversionFraction(), 0.0, 1.0) * progressSteps));
 }
 

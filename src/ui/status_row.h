@@ -1,10 +1,12 @@
-// The row under the panes: while converting, the batch's progress and a
-// "Stop" button; the controller's status message; and, at the right end, a
-// summary of the batch ("3 clips · Warm.cube").
+// The row under the panes: while converting, the batch's progress, a "Stop"
+// button and the time left ("about 4 min left"); the controller's status
+// message; and, at the right end, a summary of the batch ("3 clips ·
+// Warm.cube").
 //
 // Main thread. Follows the controller, which must outlive it.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QUrl>
 #include <QWidget>
 
@@ -31,6 +33,7 @@ public:
     QString summaryText() const;
     QString statusText() const { return status_; }
     bool showsProgress() const;
+    QString timeLeftText() const;
     QProgressBar* progressBar() const { return progress_; }
     QPushButton* stopButton() const { return stop_; }
 
@@ -47,7 +50,9 @@ private:
     QPushButton* stop_;
     ElidedLabel* message_;
     QLabel* summary_;
+    QLabel* timeLeft_;
     QString status_;
+    QElapsedTimer batchClock_;  // since the running batch started
 };
 
 }  // namespace tavrelune::ui

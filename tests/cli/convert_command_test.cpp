@@ -107,11 +107,12 @@ exec '%2' "$@")sh").arg(file("log"), QStandardPaths::findExecutable("ffmpeg")));
 };
 
 // The argv of each command a dry run prints (every other line; the lines
-// between say "# output: PATH", which is also the last argument).
+// between say "# output: PATH", which is also the last argument; the size
+// forecast ends the list).
 QList<QStringList> plannedCommands(const QString& out)
 {
     QList<QStringList> commands;
-    const QStringList lines = out.split('\n', Qt::SkipEmptyParts);
+    const QStringList lines = out.split('\n', Qt::SkipEmptyParts).filter(QRegularExpression("^(?!# forecast: )"));
     for (qsizetype i = 0; i < lines.size(); i += 2)
         commands << QVariant(QJsonDocument::fromJson(lines[i].toUtf8()).array().toVariantList()).toStringList();
     return commands;
@@ -164,7 +165,7 @@ TEST(ConvertCommand, DryRunPrintsTheExactCommandAndTouchesNothing)
                                  "--output", out, clip});
     ASSERT_EQ(run.exitCode, 0) << run.errLines.join('\n').toStdString();
     const QStringList lines = run.out.split('\n', Qt::SkipEmptyParts);
-    ASSERT_EQ(lines.size(), 2);
+    ASSERT_EQ(lines.size(), 3);
     const QJsonArray expected{
         sandbox.ffmpeg(), "-nostdin", "-hide_banner", "-loglevel", "error", "-y", "-i", clip,
         "-vf", "format=gbrp16le,scale=trunc(iw/2)*2:trunc(ih/2)*2,format=yuv420p", "-map", "0:v:0",
@@ -172,6 +173,7 @@ TEST(ConvertCommand, DryRunPrintsTheExactCommandAndTouchesNothing)
         "-movflags", "+faststart", "-progress", "pipe:1", "-nostats", out + "/a_graded.mp4"};
     EXPECT_EQ(QJsonDocument::fromJson(lines[0].toUtf8()).array(), expected) << lines[0].toStdString();
     EXPECT_EQ(lines[1], "# output: " + out + "/a_graded.mp4");
+    EXPECT_EQ(lines[2], "# forecast: About 634 kB in 1 file") << "5069 kb/s for 1 s, no audio";
     EXPECT_FALSE(QFile::exists(out));
     EXPECT_TRUE(sandbox.loggedConversions().isEmpty());
 }

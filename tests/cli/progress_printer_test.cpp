@@ -16,6 +16,8 @@ TEST(ProgressFormatting, PercentBarAndTerminalLine)
     EXPECT_EQ(percent(1.7), 100);
     EXPECT_EQ(progressBar(0.05, 10), "[----------]");
     EXPECT_EQ(terminalLine({"A001.mov", 0.4, 0.133}, 80), "A001.mov [#######------------]  40%  overall 13%");
+    EXPECT_EQ(terminalLine({"A001.mov", 0.4, 0.133, "about 4 min left"}, 80),
+              "A001.mov [#######------------]  40%  overall 13%  about 4 min left");
     // A long name is shortened so that the line leaves the last column free.
     const QString line = terminalLine({QString(100, 'x') + ".mov", 1, 1}, 60);
     EXPECT_EQ(line.size(), 59);
@@ -51,11 +53,11 @@ TEST(ProgressPrinter, PlainAndTerminalOutput)
                           for (double p : {0.02, 0.05, 0.12, 0.19, 0.35, 1.0})
                               printer.progress({"a.mov", p, p / 2});
                           printer.status("Converting b.mov…");
-                          printer.progress({"b.mov", 0.1, 0.55});
+                          printer.progress({"b.mov", 0.1, 0.55, "about 40 s left"});
                           printer.message("Done: converted 2 clips.");
                       }),
               "Converting a.mov…\na.mov: 12% (overall 6%)\na.mov: 35% (overall 17%)\n"
-              "a.mov: 100% (overall 50%)\nConverting b.mov…\nb.mov: 10% (overall 55%)\n"
+              "a.mov: 100% (overall 50%)\nConverting b.mov…\nb.mov: 10% (overall 55%, about 40 s left)\n"
               "Done: converted 2 clips.\n");
     EXPECT_EQ(printed(ProgressPrinter::Mode::terminal,
                       [](ProgressPrinter& printer) {

@@ -199,3 +199,87 @@ TEST_F(ControllerTest, UnreadableWatermarkStopsTheBatchBeforeTheFirstClip)
     EXPECT_FALSE(model->isConverting());
     EXPECT_TRUE(outputNames().isEmpty());
 }
+
+TEST_F(ControllerTest, TheSlidersFollowTheClipTheBatchSelects)
+{
+    addAndProbe({clip("a.mov", {.seconds = 0.3, .audio = false}), clip("b.mov", {.seconds = 0.3, .audio = false})});
+    model->updateClip(clipAt(1).id, [](ClipItem& stored) { stored.exposure = -0.5; });
+    model->liveGrade().setExposure(0.5);  // clip a, selected
+
+    convert();
+    ASSERT_EQ(model->selectedClipID(), clipAt(1).id);
+    EXPECT_EQ(model->liveGrade().exposure(), -0.5);
+    EXPECT_TRUE(model->plannedCommands().at(1).arguments.join(" ").contains("exposure=exposure=-0.5000"));
+
+    convert();  // only a re-export: no clip is re-graded
+    EXPECT_EQ(clipAt(0).exposure, 0.5);
+    EXPECT_EQ(clipAt(1).exposure, -0.5);
+}
+
+TEST_F(ControllerTest, ConvertWaitsUntilAStoppedBatchHasWoundDown)
+{
+    // Like ffmpeg, it takes its time to finish up after SIGTERM.
+    useToolsIn(writeFakeTool(root.file("tools"), "ffmpeg",
+                             "trap 'sleep 1; exit 255' TERM; while true; do sleep 0.05; done"));
+    addAndProbe({clip("a.mov", {.seconds = 0.3}), clip("b.mov", {.seconds = 0.3})});
+    int ended = 0;
+    QObject::connect(model.get(), &AppModel::batchEnded, [&ended] { ++ended; });
+
+    model->startConversion();
+    spinEventLoop(300);
+    model->cancelConversion();
+    EXPECT_FALSE(model->isConverting());
+    EXPECT_FALSE(model->canConvert()) << "the stopped batch still winds down";
+    model->startConversion();  // Convert at once: nothing starts
+    waitForTask(model->conversionFinished());
+    spinEventLoop(100);
+
+    EXPECT_EQ(ended, 1);
+    EXPECT_TRUE(model->canConvert());
+    EXPECT_FALSE(model->isConverting());
+    EXPECT_EQ(model->statusMessage(), "Conversion stopped.");
+    EXPECT_EQ(clipAt(0).status, ClipStatus::ready);
+    EXPECT_TRUE(livingChildren().isEmpty());
+}
+
+TEST_F(ControllerTest, AnFfmpegKilledThatNobodyStoppedFailsItsClip)
+{
+    useToolsIn(writeFakeTool(root.file("tools"), "ffmpeg", "kill -KILL $$"));
+    addAndProbe({clip("a.mov", {.seconds = 0.3}), clip("b.mov", {.seconds = 0.3})});
+    convert();
+    EXPECT_EQ(clipAt(0).status, ClipStatus::failed);
+    EXPECT_EQ(clipAt(0).errorMessage, "ffmpeg ended unexpectedly (signal 9).");
+    EXPECT_EQ(model->errorMessage(), "ffmpeg ended unexpectedly (signal 9).");
+    EXPECT_EQ(model->statusMessage(), "Finished: 0 succeeded, 1 failed.");
+}
+
+TEST_F(ControllerTest, ABatchThatWouldNotFitIsNotStarted)
+{
+    QStringList asked;
+    int64_t available = 900'000;
+    useFreeSpace([&](const QString& folder) {
+        asked << folder;
+        return std::optional(VolumeSpace{"/", available});
+    });
+    addAndProbe({clip("a.mov", {.seconds = 1.0}), clip("b.mov", {.seconds = 1.0})});
+    EncodeSettings settings = model->settings();
+    settings.concatenateClips = true;
+    model->setSettings(settings);
+    const SizeForecast forecast = model->sizeForecast();
+    ASSERT_GT(forecast.parts, 0);
+
+    convert();
+    EXPECT_EQ(asked, (QStringList{outputFolder(), outputFolder()})) << "the parts are made beside the outputs";
+    EXPECT_TRUE(model->errorMessage().startsWith("Not enough free space for this batch in " + outputFolder()
+                                                 + ": it needs about "))
+        << model->errorMessage().toStdString();
+    EXPECT_TRUE(model->errorMessage().endsWith(", and 900 kB is free."));
+    EXPECT_FALSE(model->isConverting());
+    EXPECT_TRUE(model->canConvert());
+    EXPECT_EQ(clipAt(0).status, ClipStatus::ready);
+    EXPECT_TRUE(outputNames().isEmpty());
+
+    available = (forecast.outputBytes() + forecast.parts) * 21 / 20 + 1;  // with 5 % to spare
+    convert();
+    EXPECT_EQ(model->statusMessage(), "Done: combined 2 clips into one video.");
+}

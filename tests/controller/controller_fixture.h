@@ -36,12 +36,34 @@ protected:
     ControllerTest()
     {
         QDir().mkpath(outputFolder());
+        makeModel(ToolLocator::fromEnvironment());
+    }
+
+    // A new controller whose tools are looked for in `folder` first (the
+    // real ones still come from PATH).
+    void useToolsIn(const QString& folder)
+    {
+        model.reset();
+        makeModel(ToolLocator({folder, {}, qEnvironmentVariable("PATH")}));
+    }
+
+    // A new controller that learns free space from `query`.
+    void useFreeSpace(FreeSpaceQuery query)
+    {
+        freeSpace = std::move(query);
+        model.reset();
+        makeModel(ToolLocator::fromEnvironment());
+    }
+
+    void makeModel(ToolLocator tools)
+    {
         AppModel::Options options;
         options.outputFolder = std::optional<QString>(outputFolder());
         options.workspace = workingFolder();
-        options.toolLocator = ToolLocator::fromEnvironment();
+        options.toolLocator = std::move(tools);
         options.now = [] { return QDateTime(QDate(2025, 3, 7), QTime(14, 5, 9), Qt::UTC); };
         options.audioOutput = QStringLiteral("null");
+        options.freeSpace = freeSpace;
         model = std::make_unique<AppModel>(options);
         model->ffmpeg().pinSoftwareEncoders();
         model->setDesktopServices(&desktop);
@@ -96,6 +118,7 @@ protected:
 
     TempFolder root;
     CannedDesktop desktop;
+    FreeSpaceQuery freeSpace = freeSpaceOnDisk;
     std::unique_ptr<AppModel> model;
 };
 

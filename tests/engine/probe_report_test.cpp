@@ -61,7 +61,8 @@ TEST(ProbeReportParse, ReadsTheFirstVideoStreamAndAnyAudio)
 {
     const MediaInfo info = ProbeReport::parse(R"({
         "streams": [
-            {"codec_type": "audio", "codec_name": "aac"},
+            {"codec_type": "audio", "codec_name": "aac", "bit_rate": "128000"},
+            {"codec_type": "audio", "codec_name": "ac3", "bit_rate": "448000"},
             {"codec_type": "video", "codec_name": "h264", "width": 1920, "height": "1080",
              "pix_fmt": "yuv420p", "r_frame_rate": "0/0", "avg_frame_rate": "24000/1001"},
             {"codec_type": "video", "codec_name": "mjpeg", "width": 300, "height": 300}
@@ -75,6 +76,7 @@ TEST(ProbeReportParse, ReadsTheFirstVideoStreamAndAnyAudio)
     EXPECT_EQ(info.pixFmt, "yuv420p");
     EXPECT_NEAR(info.fps, 23.976, 1e-3);
     EXPECT_TRUE(info.hasAudio);
+    EXPECT_EQ(info.audioBitrate, 128000) << "the first audio stream's";
 }
 
 TEST(ProbeReportParse, MissingPartsGetNeutralValues)

@@ -5,6 +5,7 @@
 #include "support/task_helpers.h"
 #include "support/temp_folder.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <gtest/gtest.h>
@@ -63,10 +64,10 @@ TEST_F(ProcessRunnerTest, ExitStatusBecomesOutputOrError)
         {"printf '\\n  \\n  moov atom not found \\t\\n\\n' >&2; exit 1",
          FFmpegError::conversionFailed("moov atom not found")},
         {"echo 'first\nsecond' >&2; exit 3", FFmpegError::conversionFailed("first\nsecond")},
-        {"echo ignored; exit 15", FFmpegError::cancelled()},
-        {"exit 9", FFmpegError::cancelled()},
-        {"kill -TERM $$", FFmpegError::cancelled()},
-        {"kill -SEGV $$", FFmpegError::cancelled()},
+        // Nobody asked for these stops: they are failures, never "stopped".
+        {"echo ignored; exit 15", FFmpegError::conversionFailed("FFmpeg stopped with code 15.")},
+        {"kill -KILL $$", FFmpegError::conversionFailed("tool ended unexpectedly (signal 9).")},
+        {"kill -SEGV $$", FFmpegError::conversionFailed("tool ended unexpectedly (signal 11).")},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.script);
@@ -199,4 +200,41 @@ TEST_F(ProcessRunnerTest, CancelStopsOnlyTheTrackedConversion)
     EXPECT_TRUE(isCancellation(failureOf(std::move(conversion))));
     EXPECT_EQ(waitForTask(std::move(probe)), "probed\n");
     service.cancel();  // the tracked child is gone: again no effect
+}
+
+namespace {
+
+// Runs `onPostedCall` before the first queued call that reaches the
+// application object: the runner resumes its waiting task that way once the
+// child has ended, so this lands between the end and the resumption.
+class BeforeQueuedCall : public QObject {
+public:
+    explicit BeforeQueuedCall(std::function<void()> onPostedCall) : onPostedCall_(std::move(onPostedCall))
+    {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+    bool eventFilter(QObject* target, QEvent* event) override
+    {
+        if (target == QCoreApplication::instance() && event->type() == QEvent::MetaCall && onPostedCall_)
+            std::exchange(onPostedCall_, {})();
+        return false;
+    }
+    bool fired() const { return !onPostedCall_; }
+
+private:
+    std::function<void()> onPostedCall_;
+};
+
+}  // namespace
+
+TEST_F(ProcessRunnerTest, AStopAfterTheChildEndedButBeforeItsRunResumedIsNoCancellation)
+{
+    std::stop_source source;
+    QCoro::Task<QString> conversion = service.run(tool("echo finished"), {}, true, {}, source.get_token());
+    const BeforeQueuedCall stop([&] {
+        service.cancel();
+        source.request_stop();
+    });
+    EXPECT_EQ(waitForTask(std::move(conversion)), "finished\n");
+    EXPECT_TRUE(stop.fired());
 }

@@ -72,3 +72,25 @@ TEST(MediaTypeRoles, ByLowerCasedExtension)
     EXPECT_FALSE(MediaType::isLut("look.cube.txt"));
     EXPECT_EQ(MediaType::extensionOf("/a/b.tar.GZ"), "gz");
 }
+
+TEST(TimeFormattingTimeLeft, ShownOnceFivePercentOrThreeSecondsHavePassed)
+{
+    struct Case {
+        double elapsed;
+        double fraction;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {2.9, 0.049, ""},              // too early to tell
+        {2.9, 0.05, "about 1 min left"},
+        {3, 0.01, "about 5 min left"},
+        {10, 0, ""},                   // nothing done: no pace yet
+        {12, 0.5, "about 15 s left"},  // seconds round up to fives
+        {58, 0.5, "about 1 min left"},
+        {600, 0.1, "about 1 h 30 min left"},
+        {1800, 0.2, "about 2 h left"},
+        {1e300, 0.5, "about 10000 h left"},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(TimeFormatting::timeLeft(c.elapsed, c.fraction), c.expected) << c.elapsed << " s, " << c.fraction;
+}

@@ -109,13 +109,15 @@ TEST_F(InspectorTest, HintAndConvertButtonFollowTheClipsAndSettings)
         QString hint;
         const char* button;
         bool combineEnabled;
+        const char* forecastFiles;
     } cases[] = {
-        {1, false, false, copied, "Convert all", false},
-        {1, true, false, copied, "Convert all", false},
-        {1, false, true, stripped, "Convert all", false},
-        {2, true, true, joined, "Export one video", true},
-        {2, false, true, stripped, "Convert all", true},
+        {1, false, false, copied, "Convert all", false, " in 1 file"},
+        {1, true, false, copied, "Convert all", false, " in 1 file"},
+        {1, false, true, stripped, "Convert all", false, " in 1 file"},
+        {2, true, true, joined, "Export one video", true, " in 1 file"},
+        {2, false, true, stripped, "Convert all", true, " in 2 files"},
     };
+    EXPECT_EQ(inspector().forecastText(), "");
     addClips(1);
     for (const auto& each : cases) {
         if (model->clips().size() < each.clips)
@@ -124,6 +126,8 @@ TEST_F(InspectorTest, HintAndConvertButtonFollowTheClipsAndSettings)
         EXPECT_EQ(exportCard().hint(), each.hint) << each.clips << each.combine << each.removeAudio;
         EXPECT_EQ(inspector().convertButton()->text(), each.button) << each.clips << each.combine;
         EXPECT_EQ(exportCard().combineToggle()->isEnabled(), each.combineEnabled) << each.clips;
+        EXPECT_TRUE(inspector().forecastText().startsWith("About ")) << inspector().forecastText().toStdString();
+        EXPECT_TRUE(inspector().forecastText().endsWith(each.forecastFiles)) << each.clips << each.combine;
     }
     model->setSettings({.codec = VideoCodec::h264});
     EXPECT_EQ(exportCard().hint(), "Encoding with x264 (software). Audio is copied when possible.");
