@@ -145,13 +145,15 @@ QWidget* TrimEditorView::makeStage()
     playerView_ = new PlayerLayerView(&model_.trimPlayer());
     playerView_->setObjectName(QStringLiteral("trimPlayerView"));
     framed->addWidget(playerView_);
-    auto* badge = new QLabel(QStringLiteral("Original"), playerPage);
-    badge->setFont(ui::appearance::weighted(ui::appearance::caption(font()), QFont::DemiBold));
-    badge->setStyleSheet(QStringLiteral("color: white; background: rgba(0, 0, 0, 115);"
-                                        " border-radius: 5px; padding: 4px 8px;"));
-    badge->adjustSize();
-    badge->move(28, 28);
-    badge->raise();
+    badge_ = new QLabel(QStringLiteral("Original"), playerPage);
+    badge_->setObjectName(QStringLiteral("trimBadge"));
+    badge_->setFont(ui::appearance::weighted(ui::appearance::caption(font()), QFont::DemiBold));
+    badge_->setStyleSheet(QStringLiteral("color: white; background: rgba(0, 0, 0, 115);"
+                                         " border-radius: 5px; padding: 4px 8px;"));
+    badge_->adjustSize();
+    badge_->raise();
+    playerView_->installEventFilter(this);
+    connect(playerView_, &VideoFrameView::frameDrawn, this, &TrimEditorView::placeBadge);
 
     auto* noClip = placeholder(ui::icons::symbol(QStringLiteral("video-x-generic"), muted),
                                QStringLiteral("Select a clip to set in and out points"), muted);
@@ -249,6 +251,23 @@ QString TrimEditorView::keyHelp()
                           "Left / Right: one frame back / on (Shift: one second)\n"
                           "Home / End: go to the in / out point\n"
                           "Return: done");
+}
+
+// On the picture's top-left corner rather than on the black beside a
+// picture narrower (or flatter) than the view.
+void TrimEditorView::placeBadge()
+{
+    QPoint corner;
+    if (const auto frame = model_.trimPlayer().latestFrame())
+        corner = VideoFrameView::fittedRect({frame->width(), frame->height()}, playerView_->size()).topLeft();
+    badge_->move(playerView_->pos() + corner + QPoint(12, 12));
+}
+
+bool TrimEditorView::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == playerView_ && (event->type() == QEvent::Resize || event->type() == QEvent::Move))
+        placeBadge();
+    return QWidget::eventFilter(watched, event);
 }
 
 bool TrimEditorView::canTrim() const

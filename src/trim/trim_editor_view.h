@@ -49,12 +49,14 @@ public:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QWidget* makeHeader();
     QWidget* makeStage();
     QWidget* makeControls();
     void refresh();
+    void placeBadge();
     // Moves the playhead by whole frames (on the clip's frame grid) or by
     // seconds; false when the clip cannot be trimmed right now.
     bool stepPlayhead(int frames, double seconds);
@@ -66,6 +68,7 @@ private:
     QPushButton* done_ = nullptr;
     QStackedLayout* stage_ = nullptr;
     PlayerLayerView* playerView_ = nullptr;
+    QLabel* badge_ = nullptr;
     QPushButton* play_ = nullptr;
     TrimTimelineView* timeline_ = nullptr;
     QWidget* pointRow_ = nullptr;
