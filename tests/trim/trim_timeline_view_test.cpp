@@ -2,6 +2,8 @@
 // release report, when it reports nothing, and the cursor it shows.
 #include "trim/trim_timeline_view.h"
 
+#include <QGuiApplication>
+#include <QMouseEvent>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -26,7 +28,14 @@ protected:
     }
 
     void press(int x, int y = 17) { QTest::mousePress(&view, Qt::LeftButton, {}, QPoint(x, y)); }
-    void move(int x, int y = 17) { QTest::mouseMove(&view, QPoint(x, y)); }
+    // Sent straight to the view: QTest moves the X pointer for a move without
+    // a button held, and that event arrives later.
+    void move(int x, int y = 17)
+    {
+        QMouseEvent event(QEvent::MouseMove, QPointF(x, y), view.mapToGlobal(QPointF(x, y)), Qt::NoButton,
+                          QGuiApplication::mouseButtons(), {});
+        QCoreApplication::sendEvent(&view, &event);
+    }
     void release(int x, int y = 17) { QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(x, y)); }
 
     TrimTimelineView view;
