@@ -294,9 +294,12 @@ void TrimEditorView::refresh()
 
     const bool playing = clock.isPlaying();
     play_->setEnabled(clock.isPlayable() && !converting && clip);
-    play_->setIcon(ui::icons::symbol(playing ? QStringLiteral("media-playback-pause") : QStringLiteral("media-playback-start"),
-                                     Qt::white));
-    play_->setToolTip(playing ? QStringLiteral("Pause") : QStringLiteral("Play original"));
+    if (playIconShowsPause_ != playing) {  // not on every position report
+        playIconShowsPause_ = playing;
+        play_->setIcon(ui::icons::symbol(
+            playing ? QStringLiteral("media-playback-pause") : QStringLiteral("media-playback-start"), Qt::white));
+        play_->setToolTip(playing ? QStringLiteral("Pause") : QStringLiteral("Play original"));
+    }
 
     timeline_->setEnabled(!converting);
     timeline_->setState({.duration = clip ? clip->duration.value_or(0) : 0,

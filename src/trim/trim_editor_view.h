@@ -16,6 +16,7 @@
 #pragma once
 
 #include <QWidget>
+#include <optional>
 
 class QLabel;
 class QPushButton;
@@ -70,6 +71,7 @@ private:
     PlayerLayerView* playerView_ = nullptr;
     QLabel* badge_ = nullptr;
     QPushButton* play_ = nullptr;
+    std::optional<bool> playIconShowsPause_;
     TrimTimelineView* timeline_ = nullptr;
     QWidget* pointRow_ = nullptr;
     QLabel* inLabel_ = nullptr;

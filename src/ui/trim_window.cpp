@@ -49,4 +49,12 @@ void TrimWindow::hideEvent(QHideEvent* event)
         model_.trimEditorDisappeared();
 }
 
+// A minimised window draws nothing: its player should not play on unseen.
+void TrimWindow::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange && isMinimized() && model_.trimClock().isPlaying())
+        model_.toggleTrimPlayback();
+}
+
 }  // namespace tavrelune::ui

@@ -125,8 +125,9 @@ TEST_F(EditorTest, KeysPlayStepSetAndClose)
     ASSERT_TRUE(waitUntil([this] { return model->trimClock().isPlayable(); }));
     const auto seconds = [this] { return model->trimClock().seconds(); };
 
-    key(Qt::Key_Right);
-    EXPECT_NEAR(seconds(), 0.04, 1e-9) << "one frame at 25 fps";
+    QTest::mouseClick(&timeline(), Qt::LeftButton, {}, at(0));
+    QTest::keyClick(&timeline(), Qt::Key_Right);
+    EXPECT_NEAR(seconds(), 0.04, 1e-9) << "one frame at 25 fps, also after a click on the timeline";
     key(Qt::Key_Right, Qt::ShiftModifier);
     EXPECT_NEAR(seconds(), 1.04, 1e-9);
     key(Qt::Key_Left);
@@ -155,6 +156,10 @@ TEST_F(EditorTest, KeysPlayStepSetAndClose)
     EXPECT_EQ(part<QPushButton>("trimPlay")->toolTip(), "Pause");
     key(Qt::Key_Space);
     EXPECT_FALSE(model->trimClock().isPlaying());
+    key(Qt::Key_Space);
+    window->setWindowState(Qt::WindowMinimized);
+    EXPECT_FALSE(model->trimClock().isPlaying()) << "nothing plays unseen";
+    window->setWindowState(Qt::WindowNoState);
     model->startConversion();
     ASSERT_TRUE(model->isConverting());
     EXPECT_FALSE(enabled("trimDone") || enabled("trimPlay") || enabled("trimSetIn") || timeline().isEnabled());
