@@ -42,16 +42,12 @@ TEST(TrimTimelineGeometry, PointerGrabsTheNearestItemThenTheTrack)
     } cases[] = {
         {2, 8, 5, {49, 17}, "in"},
         {2, 8, 5, {57, 0}, "in"},           // 8 px away, at any height
-        {2, 8, 5, {41, 33}, "in"},
         {2, 8, 5, {58, 17}, "playhead"},    // 9 px from the handle: the track takes it
         {2, 8, 5, {58, 30}, "playhead"},    // the track grown by 10 px downward
         {2, 8, 5, {58, 2}, "none"},         // 11 px above the track
         {2, 8, 5, {6, 17}, "playhead"},     // grown by 4 px left of the track
         {2, 8, 5, {4, 17}, "none"},
-        {2, 8, 5, {212, 17}, "playhead"},
         {2, 8, 5, {214, 17}, "none"},
-        {2, 8, 5, {170, 17}, "out"},
-        {2, 8, 5, {104, 0}, "playhead"},
         {5, 5, 0, {109, 17}, "in"},         // in and out together: in first
         {5, 5.15, 0, {111, 17}, "out"},     // out strictly nearer
         {2, 8, 2, {49, 17}, "in"},          // a handle before the playhead
@@ -85,10 +81,5 @@ TEST(TrimTimelineGeometry, PositionsAndTimesStayOnTheTrack)
     EXPECT_EQ(g.x(std::nan("")), 9);
     EXPECT_EQ(timeline(2, 8, 5, 0).time(150), 0);
     EXPECT_EQ((TrimTimelineGeometry{QRectF(0, 0, 18, 34), 10, 0, 1, 0}.time(9)), 0) << "a track of no width";
-
-    EXPECT_EQ(g.track(), QRectF(9, 13, 200, 8));
-    EXPECT_EQ(g.keptRange(), QRectF(49, 13, 120, 8));
     EXPECT_EQ(timeline(6, 3, 0).keptRange(), QRectF(129, 13, 1, 8)) << "out before in: 1 px at the in handle";
-    EXPECT_EQ(g.handle(49), QRectF(45.5, 6, 7, 22));
-    EXPECT_EQ(g.playheadTip(109), QPolygonF(QList<QPointF>{{109, 2}, {114, 9}, {104, 9}}));
 }

@@ -67,7 +67,7 @@ TEST_F(TimelineTest, EachDragReportsStartItsTargetsTimesAndEnd)
     EXPECT_TRUE(log.empty());
 }
 
-TEST_F(TimelineTest, DisabledOrEmptyTakesNoDragButARunningDragStillEnds)
+TEST_F(TimelineTest, DisabledOrEmptyTakesNoDragButARunningDragStillEndsAndTheCursorFollows)
 {
     view.setState({.duration = 10, .inPoint = 2, .outPoint = 8, .playhead = 5, .enabled = false});
     press(49);
@@ -92,10 +92,11 @@ TEST_F(TimelineTest, DisabledOrEmptyTakesNoDragButARunningDragStillEnds)
     view.setEnabled(false);
     EXPECT_EQ(log, (Log{"start", "playhead 5", "end"}));
     EXPECT_FALSE(view.dragTarget());
-}
 
-TEST_F(TimelineTest, CursorShowsWhatAPressWouldGrab)
-{
+    // The cursor shows what a press would grab, even while drags are off.
+    view.setEnabled(true);
+    release(109);
+    view.setState({.duration = 10, .inPoint = 2, .outPoint = 8, .playhead = 5, .enabled = false});
     move(50);
     EXPECT_EQ(view.cursor().shape(), Qt::SizeHorCursor);
     move(130);
