@@ -234,6 +234,8 @@ public:
     void endTrimScrubbing();
     void updateInPoint(double seconds, bool allowPush);
     void updateOutPoint(double seconds, bool allowPush);
+    // The selected clip back to its full length.
+    void resetTrim();
     void handleTrimPlayerTime(double seconds);
     void handleTrimPlaybackEnded();
 

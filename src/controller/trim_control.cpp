@@ -209,6 +209,18 @@ void AppModel::updateOutPoint(double seconds, bool allowPush)
     applyTrimToMainPreview();
 }
 
+void AppModel::resetTrim()
+{
+    const auto index = selectedIndex();
+    if (!index)
+        return;
+    updateClip(clips_[*index].id, [](ClipItem& clip) {
+        clip.inPoint = 0;
+        clip.outPoint.reset();
+    });
+    applyTrimToMainPreview();
+}
+
 void AppModel::applyTrimToMainPreview()
 {
     const auto clip = selectedClip();

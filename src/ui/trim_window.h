@@ -1,6 +1,7 @@
 // The single "In & Out" window, opened (or raised again) whenever the
 // controller asks for the trim editor. It tells the controller when it
-// appears and disappears; its body is the trim editor, set with setBody().
+// appears and disappears; its body is the trim editor (TrimEditorView),
+// which setBody() can replace.
 //
 // Main thread. Owned by the main window (closes with it); follows the
 // controller, which must outlive it.
@@ -28,13 +29,11 @@ public:
 protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     AppModel& model_;
     QWidget* body_ = nullptr;
 };
-
-// Until the trim editor exists: the selected clip and its in and out points.
-QWidget* makeTrimPlaceholder(AppModel& model);
 
 }  // namespace tavrelune::ui

@@ -3,14 +3,17 @@
 // converting; the error alert; the window at its smallest; a clip playing
 // graded with the watermark dragged into place; the same held on
 // "Original"; a clip that cannot play live, shown as its graded still; the
-// "In & Out" window. Real clips made by ffmpeg, the real controller, the
-// real widgets, real mouse events.
+// "In & Out" window at rest and in the middle of a drag. Real clips made by
+// ffmpeg, the real controller, the real widgets, real mouse events.
 //
 // Usage: window_screenshots OUTPUT_FOLDER (run under an X server).
 #include "controller/app_model.h"
 #include "engine/blocking_wait.h"
 #include "support/media_fixtures.h"
 #include "ui/file_drop.h"
+#include "preview/player_layer_view.h"
+#include "trim/trim_editor_view.h"
+#include "trim/trim_timeline_view.h"
 #include "ui/main_window.h"
 #include "ui/preview_pane.h"
 #include "ui/preview_stage.h"
@@ -21,9 +24,10 @@
 #include <QElapsedTimer>
 #include <QPainter>
 #include <QScreen>
-#include <QTest>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QThread>
+#include <cmath>
 #include <cstdio>
 
 using namespace tavrelune;
@@ -251,13 +255,32 @@ int main(int argc, char** argv)
     settle(400);
     save(window.grab(), shots, "9-unplayable-still.png");
 
-    // The "In & Out" window for the trimmed clip.
+    // The "In & Out" window for the trimmed clip, once its first frame is on
+    // screen; then with the out handle held mid-drag, the picture following
+    // it.
     model.selectClip(second);
     settle();
     model.showTrimEditor();
-    settle(500);
-    if (window.trimWindow())
+    if (auto* editor = window.trimWindow() ? qobject_cast<trim::TrimEditorView*>(window.trimWindow()->body()) : nullptr) {
+        bool drawn = false;
+        QObject::connect(editor->playerView(), &VideoFrameView::frameDrawn, [&drawn] { drawn = true; });
+        waitUntil([&] { return drawn; }, 10000);
+        settle(300);
         save(window.trimWindow()->grab(), shots, "5-in-and-out.png");
+
+        trim::TrimTimelineView& timeline = *editor->timeline();
+        const auto at = [&timeline](double seconds) {
+            return QPoint(int(std::lround(timeline.trimGeometry().x(seconds))), timeline.height() / 2);
+        };
+        QTest::mousePress(&timeline, Qt::LeftButton, {}, at(14.0));
+        QTest::mouseMove(&timeline, at(12.5));
+        QTest::mouseMove(&timeline, at(11.2));
+        drawn = false;
+        waitUntil([&] { return drawn; }, 5000);
+        settle(400);
+        save(window.trimWindow()->grab(), shots, "5b-in-and-out-dragging.png");
+        QTest::mouseRelease(&timeline, Qt::LeftButton, {}, at(11.2));
+    }
     window.close();
     return 0;
 }
