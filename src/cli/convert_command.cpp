@@ -9,6 +9,8 @@
 #include "cli/standard_output.h"
 #include "controller/app_model.h"
 #include "engine/blocking_wait.h"
+#include "grading/cube_lut.h"
+#include "grading/lut_parse_error.h"
 #include "model/media_type.h"
 #include "model/time_formatting.h"
 
@@ -52,6 +54,34 @@ std::optional<QString> inputProblem(const ConvertRequest& request)
     if (request.watermark.placesWatermark() && !anyWatermark)
         return QStringLiteral("watermark placement given, but no watermark image (a PNG or SVG FILE, or "
                               "watermark.url in the job)");
+    // A table the loader rejects would otherwise fail every clip in ffmpeg.
+    for (const QString& file : request.files) {
+        if (MediaType::extensionOf(file) != "cube")
+            continue;
+        try {
+            CubeLUT::load(file);
+        } catch (const LUTParseError& error) {
+            return file + ": " + error.description();
+        }
+    }
+    return std::nullopt;
+}
+
+// A clip ffprobe could not read, or one without a picture (an audio-only
+// file): the batch cannot convert it.
+std::optional<QString> unsupportedInput(const ClipItem& clip)
+{
+    const QString path = clip.url.toLocalFile();
+    if (clip.errorMessage) {
+        // ffprobe's last line says what is wrong (lines before it are its
+        // demuxers' notes) and names the file itself; it is named once, here.
+        QString reason = clip.errorMessage->trimmed().section('\n', -1);
+        if (reason.startsWith(path + ": "))
+            reason.remove(0, path.size() + 2);
+        return path + ": unsupported input: " + reason;
+    }
+    if (clip.width.value_or(0) <= 0 || clip.height.value_or(0) <= 0)
+        return path + ": unsupported input: no video stream";
     return std::nullopt;
 }
 
@@ -217,9 +247,12 @@ QCoro::Task<int> convert(ConvertRequest request, bool dryRun, InterruptWatcher& 
     co_await model.probesFinished();
     if (interrupts.interrupted())
         co_return interrupts.exitStatus();
-    for (const ClipItem& clip : model.clips())
-        if (clip.errorMessage)
-            complain(clip.name + ": " + *clip.errorMessage);
+    for (const ClipItem& clip : model.clips()) {
+        if (const auto problem = unsupportedInput(clip)) {
+            complain(*problem);
+            co_return 2;
+        }
+    }
     applyClipEdits(model, request.clipEdits);
     placeWatermark(model, request.watermark);
     if (!model.canConvert()) {

@@ -39,10 +39,12 @@ QString convertHelpText()
         "                            Quality preset (default: high)\n"
         "  --remove-audio            Leave the audio out\n"
         "  --combine                 Join all clips, in order, into one video\n"
-        "  --exposure E              Exposure change in stops, for every clip (default 0)\n"
-        "  --contrast C              Contrast factor, for every clip (default 1)\n"
-        "  --saturation S            Saturation factor, for every clip (default 1)\n"
-        "  --temperature T           White-balance shift, for every clip (default 0)\n"
+        "  --exposure E              Exposure change in stops, -3 to 3, for every clip\n"
+        "                            (default 0)\n"
+        "  --contrast C              Contrast factor, 0.5 to 2, for every clip (default 1)\n"
+        "  --saturation S            Saturation factor, 0 to 2, for every clip (default 1)\n"
+        "  --temperature T           White-balance shift, -100 to 100, for every clip\n"
+        "                            (default 0)\n"
         "  --watermark-x X           Watermark left edge, fraction of the frame width\n"
         "  --watermark-y Y           Watermark top edge, fraction of the frame height\n"
         "  --watermark-width W       Watermark width, fraction of the frame width\n"
@@ -74,10 +76,10 @@ ConvertOptions parseConvertOptions(const QStringList& arguments)
     const QCommandLineOption dryRun("dry-run", "");
     ConvertOptions options;
     const std::vector<NumberOption<std::optional<double>>> numbers{
-        {QCommandLineOption("exposure", "", "E"), &options.grade.exposure},
-        {QCommandLineOption("contrast", "", "C"), &options.grade.contrast},
-        {QCommandLineOption("saturation", "", "S"), &options.grade.saturation},
-        {QCommandLineOption("temperature", "", "T"), &options.grade.temperature},
+        {QCommandLineOption("exposure", "", "E"), &options.grade.exposure, exposureRange},
+        {QCommandLineOption("contrast", "", "C"), &options.grade.contrast, contrastRange},
+        {QCommandLineOption("saturation", "", "S"), &options.grade.saturation, saturationRange},
+        {QCommandLineOption("temperature", "", "T"), &options.grade.temperature, temperatureRange},
         {QCommandLineOption("watermark-x", "", "X"), &options.watermark.x},
         {QCommandLineOption("watermark-y", "", "Y"), &options.watermark.y},
         {QCommandLineOption("watermark-width", "", "W"), &options.watermark.widthFraction},

@@ -65,11 +65,14 @@ int runGrade(const QStringList& arguments)
     const QCommandLineOption lut("lut", "3D LUT in .cube format, applied after exposure.", "FILE");
     GradeValues grade;
     const std::vector<NumberOption<double>> numbers{
-        {QCommandLineOption("exposure", "Exposure change in stops (default 0).", "E"), &grade.exposure},
-        {QCommandLineOption("contrast", "Contrast factor around mid-grey (default 1).", "C"), &grade.contrast},
-        {QCommandLineOption("saturation", "Saturation factor (default 1).", "S"), &grade.saturation},
-        {QCommandLineOption("temperature", "White-balance shift, ±250 strongest (default 0).", "T"),
-         &grade.temperature},
+        {QCommandLineOption("exposure", "Exposure change in stops, -3 to 3 (default 0).", "E"), &grade.exposure,
+         exposureRange},
+        {QCommandLineOption("contrast", "Contrast factor around mid-grey, 0.5 to 2 (default 1).", "C"),
+         &grade.contrast, contrastRange},
+        {QCommandLineOption("saturation", "Saturation factor, 0 to 2 (default 1).", "S"), &grade.saturation,
+         saturationRange},
+        {QCommandLineOption("temperature", "White-balance shift, -100 to 100 (default 0).", "T"),
+         &grade.temperature, temperatureRange},
     };
     parser.addOption(output);
     parser.addOption(lut);

@@ -1,5 +1,6 @@
 #include "cli/job_file.h"
 
+#include "cli/number_options.h"
 #include "model/media_type.h"
 
 #include <QDir>
@@ -92,6 +93,14 @@ public:
         return typed<double>(key, &QJsonValue::isDouble, "a number", [](const QJsonValue& v) { return v.toDouble(); });
     }
 
+    std::optional<double> number(const QString& key, const GradeRange& range) const
+    {
+        const auto value = number(key);
+        if (value && !range.contains(*value))
+            fail(keyPath(key), QStringLiteral("%1 is outside %2").arg(QString::number(*value), rangeText(range)));
+        return value;
+    }
+
     std::optional<double> time(const QString& key) const
     {
         const auto seconds = number(key);
@@ -170,8 +179,8 @@ std::optional<Enum> named(const Section& section, const QString& key,
 
 GradeChoice readGrade(const Section& section)
 {
-    return {section.number("exposure"), section.number("contrast"), section.number("saturation"),
-            section.number("temperature")};
+    return {section.number("exposure", exposureRange), section.number("contrast", contrastRange),
+            section.number("saturation", saturationRange), section.number("temperature", temperatureRange)};
 }
 
 SettingsChoice readSettings(const Section& section)

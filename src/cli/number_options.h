@@ -1,6 +1,8 @@
 // Number-valued command-line options (--exposure 0.5 and the like).
 #pragma once
 
+#include "grading/grade_values.h"
+
 #include <QCommandLineOption>
 #include <QCommandLineParser>
 #include <QString>
@@ -17,11 +19,16 @@ template <typename Target>
 struct NumberOption {
     QCommandLineOption option;
     Target* target;
+    std::optional<GradeRange> range = {};  // none: any finite number
 };
+
+// "-3 to 3", for messages about a value outside a range.
+QString rangeText(const GradeRange& range);
 
 // Stores every given option's value in its target. Returns the message for
 // the first value that is not a finite number ("--exposure: 'x' is not a
-// number"), or nothing when all were good.
+// number") or is outside its range ("--exposure: 5 is outside -3 to 3"),
+// or nothing when all were good.
 template <typename Target>
 std::optional<QString> readNumberOptions(const QCommandLineParser& parser,
                                          const std::vector<NumberOption<Target>>& options)
@@ -33,6 +40,9 @@ std::optional<QString> readNumberOptions(const QCommandLineParser& parser,
         const std::optional<double> value = finiteNumber(text);
         if (!value)
             return QStringLiteral("--%1: '%2' is not a number").arg(number.option.names().constFirst(), text);
+        if (number.range && !number.range->contains(*value))
+            return QStringLiteral("--%1: %2 is outside %3")
+                .arg(number.option.names().constFirst(), text.trimmed(), rangeText(*number.range));
         *number.target = *value;
     }
     return std::nullopt;

@@ -298,6 +298,9 @@ private:
                                          std::stop_token stop);
     QCoro::Task<void> runTrimLoad(ClipItem clip);
     QCoro::Task<void> runBatch(QString outputFolder, std::stop_token stop);
+    // The staged table for ffmpeg: a `.cube` as the preview reads it (see
+    // cubeText), another format copied. Throws LUTParseError for a `.cube`
+    // the loader rejects, PlatformError when it cannot be written.
     std::optional<QString> preparedLUTPath(const std::optional<QString>& source = std::nullopt);
     std::optional<QString> stagedLUTTarget(const QString& source) const;
     WatermarkOverlay preparedWatermarkOverlay();

@@ -4,10 +4,13 @@
 #include "controller/output_claim.h"
 #include "controller/output_naming.h"
 #include "engine/concat_job.h"
+#include "grading/cube_writer.h"
+#include "model/media_type.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 #include "engine/next_signal.h"
 
 namespace tavrelune {
@@ -126,14 +129,18 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         Q_EMIT batchEnded();
     };
 
-    const std::optional<QString> lutPath = preparedLUTPath();
+    std::optional<QString> lutPath;
     std::optional<WatermarkOverlay> watermark;
+    QString failedStep;  // the status line when the step in hand fails
     try {
+        failedStep = QStringLiteral("Could not prepare the LUT.");
+        lutPath = preparedLUTPath();
+        failedStep = QStringLiteral("Could not prepare the watermark.");
         watermark = preparedExportWatermark();
     } catch (...) {
         setIsConverting(false);
         setErrorMessage(describe(std::current_exception()));
-        setStatusMessage(QStringLiteral("Could not prepare the watermark."));
+        setStatusMessage(failedStep);
         finishTask();
         co_return;
     }
@@ -317,8 +324,17 @@ std::optional<QString> AppModel::preparedLUTPath(const std::optional<QString>& s
         return stagedLUT_;
     const QString target = *stagedLUTTarget(*chosen);
     QFile::remove(target);
-    if (!QFile::copy(*chosen, target))
-        return chosen;
+    if (MediaType::extensionOf(*chosen) != "cube") {
+        // Other formats are ffmpeg's alone to read; the preview shows none.
+        if (!QFile::copy(*chosen, target))
+            return chosen;
+    } else {
+        // The table as the preview reads it, so both show the same colours.
+        const QByteArray text = cubeText(CubeLUT::load(*chosen));
+        QSaveFile file(target);
+        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit())
+            throw PlatformError(QStringLiteral("Could not write the LUT for the export: ") + file.errorString());
+    }
     stagedLUT_ = target;
     return target;
 }

@@ -1,5 +1,7 @@
 // Names of the files a batch writes. Existing files are never overwritten:
-// a taken name gets a number.
+// a taken name gets a number. A name longer than the file system allows is
+// shortened in its base part, by whole characters, keeping "_graded", the
+// number and the extension.
 #pragma once
 
 #include <QDateTime>
@@ -10,6 +12,9 @@ namespace tavrelune::OutputNaming {
 
 // Whether a path is already used (on disk, or claimed by a planned export).
 using PathTaken = std::function<bool(const QString& path)>;
+
+// Longest file name, in bytes of its file-system encoding (NAME_MAX).
+inline constexpr qsizetype fileNameLimit = 255;
 
 bool existsOnDisk(const QString& path);
 

@@ -16,7 +16,8 @@ namespace tavrelune::ProbeReport {
 QStringList arguments(const QString& path)
 {
     return {"-v", "error", "-show_entries",
-            "format=duration:stream=codec_type,codec_name,width,height,pix_fmt,r_frame_rate,avg_frame_rate,bit_rate",
+            "format=duration:stream=codec_type,codec_name,width,height,pix_fmt,r_frame_rate,avg_frame_rate,bit_rate"
+            ":stream_tags=rotate:stream_side_data=rotation",
             "-of", "json", path};
 }
 
@@ -33,9 +34,11 @@ std::optional<int64_t> parseInteger(QStringView text)
     const QByteArray bytes = text.toUtf8();
     const char* begin = bytes.constData();
     const char* end = begin + bytes.size();
+    // One sign at most: from_chars takes a '-' itself, so a '+' may not
+    // precede it.
     if (begin != end && *begin == '+')
         ++begin;
-    if (begin == end || *begin == '+' || (*begin == '-' && begin + 1 == end))
+    if (begin == end || *begin == '+' || (*begin == '-' && (begin != bytes.constData() || begin + 1 == end)))
         return std::nullopt;
     int64_t result = 0;
     const auto [stop, error] = std::from_chars(begin, end, result, 10);
@@ -44,7 +47,32 @@ std::optional<int64_t> parseInteger(QStringView text)
     return result;
 }
 
+// Degrees the stream must be turned to be upright: the display matrix's
+// rotation when the stream has one, else the older "rotate" tag; 0 when
+// neither is given.
+double rotationOf(const QJsonObject& stream)
+{
+    const QJsonValue sideData = stream.value("side_data_list");
+    if (sideData.isArray()) {
+        for (const QJsonValue& entry : sideData.toArray())
+            if (entry.isObject() && entry.toObject().contains("rotation"))
+                return doubleValue(entry.toObject().value("rotation"));
+    }
+    const QJsonValue tags = stream.value("tags");
+    if (tags.isObject())
+        return doubleValue(tags.toObject().value("rotate"));
+    return 0;
+}
+
 }  // namespace
+
+bool turnsSideways(double degrees)
+{
+    if (!std::isfinite(degrees))
+        return false;
+    const double quarterTurns = degrees / 90;
+    return quarterTurns == std::round(quarterTurns) && std::fmod(std::abs(quarterTurns), 2) == 1;
+}
 
 std::optional<double> parseDecimal(QStringView text)
 {
@@ -148,6 +176,10 @@ MediaInfo parse(const QString& report)
     if (video) {
         info.width = intValue(video->value("width"));
         info.height = intValue(video->value("height"));
+        // ffmpeg and the preview turn such a clip upright, so its displayed
+        // size is what the export's filters and the watermark work with.
+        if (turnsSideways(rotationOf(*video)))
+            std::swap(info.width, info.height);
         const QJsonValue codec = video->value("codec_name");
         info.codecName = codec.isString() ? codec.toString() : QStringLiteral("unknown");
         const QJsonValue pixFmt = video->value("pix_fmt");

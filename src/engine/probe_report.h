@@ -15,8 +15,12 @@ namespace tavrelune::ProbeReport {
 // The fixed ffprobe arguments for one file.
 QStringList arguments(const QString& path);
 
-// Throws FFmpegError::probeFailed("invalid ffprobe output").
+// Throws FFmpegError::probeFailed("invalid ffprobe output"). Width and
+// height are the displayed size: swapped for a stream turned by ±90° or ±270°.
 MediaInfo parse(const QString& report);
+
+// True for an odd number of quarter turns (90, -90, 270, ...).
+bool turnsSideways(double degrees);
 
 // Lenient conversions; an absent value is QJsonValue::Undefined.
 double doubleValue(const QJsonValue& value);

@@ -36,6 +36,21 @@ struct GradeValues {
     double saturationFactor() const { return static_cast<float>(saturation); }
 };
 
+// The values a clip's grade may take: the inspector's slider ends, and what
+// the command line and job files accept.
+struct GradeRange {
+    double minimum;
+    double maximum;
+
+    // Not-a-number is never inside.
+    bool contains(double value) const { return value >= minimum && value <= maximum; }
+};
+
+inline constexpr GradeRange exposureRange{-3, 3};
+inline constexpr GradeRange contrastRange{0.5, 2};
+inline constexpr GradeRange saturationRange{0, 2};
+inline constexpr GradeRange temperatureRange{-100, 100};
+
 // Rec. 709 luminance weights: the grey that saturation mixes each colour with.
 inline constexpr double lumaRed = 0.2126;
 inline constexpr double lumaGreen = 0.7152;

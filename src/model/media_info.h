@@ -8,7 +8,7 @@ namespace tavrelune {
 
 struct MediaInfo {
     double duration = 0;          // seconds; 0 when unknown
-    int64_t width = 0;            // first video stream, 0 when absent
+    int64_t width = 0;            // first video stream as shown (turned upright), 0 when absent
     int64_t height = 0;
     QString codecName = QStringLiteral("unknown");
     QString pixFmt;               // empty when absent

@@ -1,6 +1,7 @@
 #include "ui/adjustments_card.h"
 
 #include "controller/app_model.h"
+#include "grading/grade_values.h"
 #include "ui/appearance.h"
 #include "ui/small_button.h"
 #include "ui/live_slider.h"
@@ -28,11 +29,12 @@ QString times(double value) { return QString::asprintf("%.2f", value) + QChar(0x
 const std::array<GradeSlider, 4>& gradeSliders()
 {
     static const std::array<GradeSlider, 4> sliders{{
-        {"Exposure", -3, 3, [](double v) { return QString::asprintf("%+.2f EV", v); }, &LiveGrade::setExposure},
-        {"Contrast", 0.5, 2, times, &LiveGrade::setContrast},
-        {"Saturation", 0, 2, times, &LiveGrade::setSaturation},
-        {"White balance", -100, 100, [](double v) { return QString::asprintf("%+.0f", v); },
-         &LiveGrade::setTemperature},
+        {"Exposure", exposureRange.minimum, exposureRange.maximum,
+         [](double v) { return QString::asprintf("%+.2f EV", v); }, &LiveGrade::setExposure},
+        {"Contrast", contrastRange.minimum, contrastRange.maximum, times, &LiveGrade::setContrast},
+        {"Saturation", saturationRange.minimum, saturationRange.maximum, times, &LiveGrade::setSaturation},
+        {"White balance", temperatureRange.minimum, temperatureRange.maximum,
+         [](double v) { return QString::asprintf("%+.0f", v); }, &LiveGrade::setTemperature},
     }};
     return sliders;
 }

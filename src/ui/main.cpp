@@ -1,5 +1,6 @@
 // Entry point: a subcommand runs headless on QGuiApplication; otherwise the
 // desktop window opens.
+#include "cli/argument_names.h"
 #include "cli/commands.h"
 
 #include <QGuiApplication>
@@ -16,14 +17,6 @@
 #endif
 
 namespace {
-
-QStringList argumentsOf(int argc, char** argv)
-{
-    QStringList arguments;
-    for (int i = 1; i < argc; ++i)
-        arguments << QString::fromLocal8Bit(argv[i]);
-    return arguments;
-}
 
 // Qt's GUI start-up warns when XDG_RUNTIME_DIR is unset (ssh sessions,
 // containers), which is normal for a headless command. That one warning is
@@ -55,8 +48,11 @@ bool displayAvailable()
 
 int main(int argc, char** argv)
 {
-    const QStringList arguments = argumentsOf(argc, argv);
-    if (tavrelune::cli::isHeadlessInvocation(arguments)) {
+    // Keeps files whose names are not UTF-8 reachable until the end.
+    tavrelune::cli::ArgumentNames names;
+    if (argc > 1 && tavrelune::cli::isHeadlessInvocation({QString::fromLocal8Bit(argv[1])})) {
+        // Read before Qt takes out what it counts as its own options.
+        const QStringList arguments = names.decode(argc, argv);
         // Preparing a watermark paints with QPainter and Qt SVG, which need a
         // GUI application (fonts); the offscreen platform needs no display.
         qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -84,10 +80,10 @@ int main(int argc, char** argv)
     tavrelune::ui::DesktopIntegration desktop(&window);
     model.setDesktopServices(&desktop);
     model.startEncoderDetection();
-    // Files named on the command line (Qt's own options already taken out)
-    // arrive as if dropped on the window.
+    // Files named on the command line (Qt has taken its own options out of
+    // argv) arrive as if dropped on the window.
     QList<QUrl> files;
-    for (const QString& argument : QApplication::arguments().mid(1))
+    for (const QString& argument : names.decode(argc, argv))
         files << (argument.startsWith(QLatin1String("file:"))
                       ? QUrl(argument)
                       : QUrl::fromLocalFile(QFileInfo(argument).absoluteFilePath()));

@@ -96,13 +96,12 @@ std::optional<QByteArray> WatermarkImage::pngData(QSize pixels) const
     if (!svgData_.isEmpty()) {
         canvas = renderSvg(svgData_, pixels);
     } else {
-        canvas = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
-        if (!canvas.isNull()) {
-            canvas.fill(Qt::transparent);
-            QPainter painter(&canvas);
-            painter.setRenderHint(QPainter::SmoothPixmapTransform);
-            painter.drawImage(QRectF(QPointF(0, 0), QSizeF(pixels)), display_);
-        }
+        // Qt's smooth scaling averages every source pixel under an output
+        // pixel when reducing (premultiplied, so transparent pixels do not
+        // darken edges); a painter's bilinear sampling would drop thin strokes
+        // at 4x and more.
+        canvas = display_.convertToFormat(QImage::Format_ARGB32_Premultiplied)
+                     .scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     }
     if (canvas.isNull())
         return std::nullopt;

@@ -16,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdio>
 
 using namespace tavrelune::test;
 
@@ -39,7 +40,7 @@ class Sandbox {
 public:
     Sandbox()
     {
-        for (const char* name : {"home", "runtime", "cache", "log"})
+        for (const char* name : {"home", "runtime", "cache", "log", "tmp"})
             QDir().mkpath(folder.file(name));
         QFile::setPermissions(file("runtime"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         writeFakeTool(file("tools"), "ffmpeg", QString(R"sh(case " $* " in *" -encoders "*)
@@ -61,6 +62,11 @@ exec '%2' "$@")sh").arg(file("log"), QStandardPaths::findExecutable("ffmpeg")));
 
     void start(QProcess& process, const QStringList& arguments) const
     {
+        start(process, TAVRELUNE_BINARY, QStringList{"convert"} + arguments);
+    }
+
+    void start(QProcess& process, const QString& program, const QStringList& arguments) const
+    {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
             environment.remove(name);
@@ -68,10 +74,11 @@ exec '%2' "$@")sh").arg(file("log"), QStandardPaths::findExecutable("ffmpeg")));
         environment.insert("XDG_RUNTIME_DIR", file("runtime"));
         environment.insert("XDG_CACHE_HOME", file("cache"));
         environment.insert("TAVRELUNE_TOOLS_DIR", file("tools"));
+        environment.insert("TMPDIR", file("tmp"));
         process.setProcessEnvironment(environment);
         process.setWorkingDirectory(folder.path());
         process.setStandardInputFile(QProcess::nullDevice());
-        process.start(TAVRELUNE_BINARY, QStringList{"convert"} + arguments);
+        process.start(program, arguments);
     }
 
     CommandRun run(const QStringList& arguments) const
@@ -251,6 +258,8 @@ TEST(ConvertCommand, BadInputIsStatusTwoWithOneLine)
     sandbox.folder.write("notes.txt", "x");
     sandbox.folder.write("broken.svg", "not an image");
     sandbox.folder.write("bad.json", R"({ "settings": { "bitrate": 5 } })");
+    sandbox.folder.write("notes.mov", "not a movie");
+    sandbox.clip("voice.mp4", {.videoCodec = ""});
     struct Case {
         QStringList arguments;
         QString message;
@@ -266,6 +275,11 @@ TEST(ConvertCommand, BadInputIsStatusTwoWithOneLine)
         {{"--job", "bad.json", clip}, "bad.json: settings.bitrate: unknown key"},
         {{"--job", "none.json", clip}, "none.json: cannot read the job file (No such file or directory)"},
         {{"broken.svg", clip}, "Could not read that watermark. Use a PNG or SVG with transparency."},
+        {{"--exposure", "5", clip}, "--exposure: 5 is outside -3 to 3 (see 'tavrelune convert --help')"},
+        {{"look.cube", clip}, sandbox.file("look.cube") + ": The LUT data is incomplete."},
+        {{clip, "voice.mp4"}, sandbox.file("voice.mp4") + ": unsupported input: no video stream"},
+        {{"notes.mov", clip},
+         sandbox.file("notes.mov") + ": unsupported input: Invalid data found when processing input"},
     };
     for (const Case& c : cases) {
         const CommandRun run = sandbox.run(c.arguments);
@@ -406,4 +420,23 @@ TEST(ConvertCommand, OddNamesAreQuotedAndAFailedOutputWriteIsAnError)
     EXPECT_EQ(unlisted.exitCode, 1);
     EXPECT_EQ(unlisted.lastErrLine(), "tavrelune convert: could not write to standard output: No space left on device");
     EXPECT_TRUE(QFile::exists(out + "/two\nlines_graded-2.mp4")) << "the file itself was written";
+}
+
+TEST(ConvertCommand, FileWhoseNameIsNotUtf8IsConvertedUnderItsReadableName)
+{
+    Sandbox sandbox;
+    sandbox.clip("plain.mov", {.audio = false});
+    const QByteArray odd = QFile::encodeName(sandbox.file("clip")) + "\xff.mov";
+    ASSERT_EQ(::rename(QFile::encodeName(sandbox.file("plain.mov")).constData(), odd.constData()), 0);
+
+    // Only a shell can hand the program bytes that are not UTF-8.
+    QProcess process;
+    sandbox.start(process, "/bin/sh",
+                  {"-c", R"sh(exec "$0" convert --codec h264 -o out "$(printf 'clip\377.mov')")sh", TAVRELUNE_BINARY});
+    const CommandRun run = Sandbox::finish(process);
+    EXPECT_EQ(run.exitCode, 0) << run.errLines.join('\n').toStdString();
+    const QString output = sandbox.file("out/clip") + QChar(0xFFFD) + "_graded.mp4";
+    EXPECT_EQ(run.out, output + "\n");
+    EXPECT_TRUE(QFile::exists(output));
+    EXPECT_TRUE(QDir(sandbox.file("tmp")).isEmpty()) << "the stand-in link is gone";
 }

@@ -92,3 +92,35 @@ TEST(ConvertOptions, CommandLineWinsOverTheJob)
     EXPECT_EQ(request.clipEdits[0].grade, (GradeChoice{-0.5, 1.1, 1.0, 12}));
     EXPECT_EQ(request.clipEdits[2].grade, (GradeChoice{-0.5, {}, {}, {}}));
 }
+
+TEST(GradeRanges, OptionsAndJobKeysOutsideTheSlidersAreRefusedByName)
+{
+    const struct {
+        const char* name;
+        const char* value;  // as QString::number writes it back
+        const char* range;  // empty: accepted
+    } cases[] = {
+        {"exposure", "-3", ""},         {"exposure", "3.01", "-3 to 3"},  {"exposure", "-1e+308", "-3 to 3"},
+        {"contrast", "0.49", "0.5 to 2"}, {"contrast", "2", ""},          {"saturation", "-0.01", "0 to 2"},
+        {"saturation", "0", ""},        {"temperature", "100", ""},       {"temperature", "-100.5", "-100 to 100"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.name) + " " + c.value);
+        const QString outside = QString("%1 is outside %2").arg(c.value, c.range);
+        QString optionMessage = "(accepted)";
+        try {
+            parseConvertOptions({QString("--") + c.name, c.value});
+        } catch (const UsageError& error) {
+            optionMessage = error.message;
+        }
+        const QString jobMessage =
+            messageFor(QString(R"({"clips": [{"url": "a.mov", "%1": %2}]})").arg(c.name, c.value).toUtf8());
+        if (*c.range) {
+            EXPECT_EQ(optionMessage, QString("--") + c.name + ": " + outside);
+            EXPECT_EQ(jobMessage, QString("clips[0].") + c.name + ": " + outside);
+        } else {
+            EXPECT_EQ(optionMessage, "(accepted)");
+            EXPECT_EQ(jobMessage, "(accepted)");
+        }
+    }
+}

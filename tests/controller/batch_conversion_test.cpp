@@ -1,5 +1,6 @@
 // Whole batches with the real ffmpeg on tiny generated clips.
 #include "controller_fixture.h"
+#include "grading/preview_grader.h"
 #include "support/task_helpers.h"
 
 #include <QTimer>
@@ -174,6 +175,52 @@ TEST_F(ControllerTest, LookUpTableIsStagedOnceAndAgainAfterANewChoice)
     ASSERT_TRUE(stagedFile.open(QIODevice::ReadOnly));
     EXPECT_EQ(stagedFile.readAll(), QByteArray(identityCube));
     EXPECT_EQ(model->statusMessage(), "Done: converted 1 clip.");
+}
+
+TEST_F(ControllerTest, ExportAppliesTheLookUpTableAsThePreviewShowsIt)
+{
+    // The preview reads the rows as covering 0…1 whatever the domain, and
+    // skips a byte-order mark. ffmpeg would apply the 0…2 domain (mid-grey
+    // half as bright), and fails to find a size line behind a mark.
+    const QByteArray rows = QByteArray(identityCube).mid(QByteArray(identityCube).indexOf('\n') + 1);
+    const QByteArray looks[] = {
+        "TITLE \"wide\"\nLUT_3D_SIZE 2\nDOMAIN_MIN 0 0 0\nDOMAIN_MAX 2 2 2\n" + rows,
+        "\xEF\xBB\xBFLUT_3D_SIZE 2\n" + rows,
+    };
+    const QString source = clip("grey.mov", {.seconds = 0.3, .audio = false, .pattern = "color=c=0x808080"});
+    addAndProbe({source});
+    const auto firstFrame = [this](const QString& video, const QString& name) {
+        const QString frame = root.file(name);
+        EXPECT_EQ(runTool("ffmpeg", {"-v", "error", "-i", video, "-frames:v", "1", "-y", frame}).exitCode, 0);
+        return QImage(frame);
+    };
+    const QImage sourceFrame = firstFrame(source, "source.png");
+    for (const QByteArray& look : looks) {
+        SCOPED_TRACE(look.left(20).toStdString());
+        const QString lut = root.write("look.cube", look);
+        model->setLUT(QUrl::fromLocalFile(lut));
+        convert();
+        ASSERT_EQ(model->statusMessage(), "Done: converted 1 clip.") << model->errorMessage().toStdString();
+
+        PreviewGrader preview;
+        preview.setLUT(std::optional<QString>(lut));
+        ASSERT_TRUE(preview.lut());
+        preview.setSourceImage(sourceFrame);
+        const QImage shown = *preview.render({});
+        const QImage exported = firstFrame(clipAt(0).outputURL->toLocalFile(), "export.png");
+        EXPECT_NEAR(qGray(exported.pixel(80, 45)), qGray(shown.pixel(80, 45)), 4);
+    }
+}
+
+TEST_F(ControllerTest, BrokenLookUpTableStopsTheBatchWithTheLoadersMessage)
+{
+    const QString lut = root.write("short.cube", "LUT_3D_SIZE 2\n0 0 0\n");
+    addAndProbe({clip("a.mov", {.seconds = 0.3, .audio = false}), lut});
+    convert();
+    EXPECT_EQ(model->statusMessage(), "Could not prepare the LUT.");
+    EXPECT_EQ(model->errorMessage(), "The LUT data is incomplete.");
+    EXPECT_EQ(clipAt(0).status, ClipStatus::ready);
+    EXPECT_TRUE(outputNames().isEmpty());
 }
 
 TEST_F(ControllerTest, LookUpTableWhosePathFfmpegCannotEscapeExportsThroughTheStagedCopy)

@@ -1,11 +1,15 @@
 #include "controller/batch_plan.h"
 #include "controller/output_naming.h"
+#include "support/temp_folder.h"
 
 #include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
 #include <QTimeZone>
 #include <gtest/gtest.h>
 
 using namespace tavrelune;
+using tavrelune::test::TempFolder;
 
 namespace {
 
@@ -106,4 +110,22 @@ TEST(OutputNaming, NumbersTakenNames)
     const QDateTime when(QDate(2025, 3, 7), QTime(15, 5, 9), QTimeZone(3600));
     EXPECT_EQ(OutputNaming::uniqueCombinedOutputPath("/out", when, isTaken),
               "/out/Tavrelune_2025-03-07T14-05-09Z-2.mp4");
+}
+
+TEST(OutputNaming, OverlongNamesAreShortenedByWholeCharactersToFit)
+{
+    TempFolder folder;
+    const auto bytes = [](const QString& path) { return QFileInfo(path).fileName().toUtf8().size(); };
+    const auto never = [](const QString&) { return false; };
+    const QString accented = QString("e\u0301").repeated(90);  // 270 bytes, 90 characters
+    const QString path = OutputNaming::uniqueOutputPath("/card/" + accented + ".mov", folder.path(), never);
+    EXPECT_EQ(QFileInfo(path).fileName(), QString("e\u0301").repeated(81) + "_graded.mp4");
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << "the file system takes the name";
+
+    const QString ascii(246, 'a');
+    const auto firstTaken = [&](const QString& candidate) { return candidate.endsWith("_graded.mp4"); };
+    const QString second = OutputNaming::uniqueOutputPath("/card/" + ascii + ".mov", "/out", firstTaken);
+    EXPECT_EQ(bytes(second), 255);
+    EXPECT_TRUE(second.endsWith(QString(242, 'a') + "_graded-2.mp4")) << second.toStdString();
 }

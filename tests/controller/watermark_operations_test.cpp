@@ -83,3 +83,29 @@ TEST_F(ControllerTest, ExportedWatermarkIsStagedOnceAndLandsWhereItWasPlaced)
     convert();
     EXPECT_TRUE(QFile::exists(staged)) << "rendered again once deleted";
 }
+
+TEST_F(ControllerTest, PortraitPhoneClipGetsItsWatermarkInsideTheUprightFrame)
+{
+    // Stored 320×240 but tagged to be shown turned: ffmpeg exports 240×320.
+    const QString stored = clip("stored.mp4", {.width = 320, .height = 240, .seconds = 0.3, .audio = false,
+                                               .pattern = "color=c=black"});
+    const QString turned = root.file("portrait.mp4");
+    makeRotatedCopy(stored, turned, 90);
+    addAndProbe({turned});
+    EXPECT_EQ(clipAt(0).width, 240);
+    EXPECT_EQ(clipAt(0).height, 320);
+    EXPECT_DOUBLE_EQ(model->previewVideoAspect(), 0.75);
+
+    model->setWatermark(QUrl::fromLocalFile(writeImage(root, "logo.png", {100, 100})));
+    model->updateWatermarkLayout(0.7, 0.7, 0.25);
+    convert();
+    ASSERT_EQ(model->statusMessage(), "Done: converted 1 clip.") << model->errorMessage().toStdString();
+
+    const QString frame = root.file("frame.png");
+    ASSERT_EQ(runTool("ffmpeg", {"-v", "error", "-i", outputFolder() + "/portrait_graded.mp4", "-frames:v", "1",
+                                 "-y", frame}).exitCode, 0);
+    const QImage image(frame);
+    ASSERT_EQ(image.size(), QSize(240, 320));
+    EXPECT_GT(qGray(image.pixel(200, 250)), 150) << "inside the watermark (x 168..228, y 224..284)";
+    EXPECT_LT(qGray(image.pixel(100, 250)), 40) << "left of it";
+}

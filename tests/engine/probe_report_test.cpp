@@ -39,7 +39,8 @@ TEST(ProbeValues, IntValue)
         {"\"1920.0\"", 0},    {"1919.9", 1919},    {"-1919.9", -1919},    {"\"\"", 0},
         {"\"+\"", 0},         {"\"-\"", 0},        {"\" 1920\"", 0},      {"\"1920px\"", 0},
         {"\"9223372036854775807\"", INT64_MAX},   {"\"9223372036854775808\"", 0},
-        {"1e300", 0},         {"null", 0},         {"{}", 0},
+        {"1e300", 0},         {"null", 0},         {"{}", 0},           {"\"+-5\"", 0},
+        {"\"-+5\"", 0},     {"\"--5\"", 0},
     };
     for (const auto& [text, expected] : cases)
         EXPECT_EQ(ProbeReport::intValue(json(text)), expected) << text;
@@ -77,6 +78,25 @@ TEST(ProbeReportParse, ReadsTheFirstVideoStreamAndAnyAudio)
     EXPECT_NEAR(info.fps, 23.976, 1e-3);
     EXPECT_TRUE(info.hasAudio);
     EXPECT_EQ(info.audioBitrate, 128000) << "the first audio stream's";
+}
+
+TEST(ProbeReportParse, SizeIsTheDisplayedSizeOfATurnedStream)
+{
+    const auto size = [](const char* turn) {
+        const MediaInfo info = ProbeReport::parse(
+            QString(R"({"streams": [{"codec_type": "video", "width": 320, "height": 240, %1}]})").arg(turn));
+        return std::pair(info.width, info.height);
+    };
+    const std::pair<int64_t, int64_t> upright{320, 240};
+    const std::pair<int64_t, int64_t> sideways{240, 320};
+    EXPECT_EQ(size(R"("side_data_list": [{"side_data_type": "Display Matrix", "rotation": -90}])"), sideways);
+    EXPECT_EQ(size(R"("side_data_list": [{"side_data_type": "other"}, {"rotation": "270"}])"), sideways);
+    EXPECT_EQ(size(R"("side_data_list": [{"rotation": 180}])"), upright);
+    EXPECT_EQ(size(R"("side_data_list": [{"rotation": 45}])"), upright);
+    EXPECT_EQ(size(R"("tags": {"rotate": "90"})"), sideways);
+    EXPECT_EQ(size(R"("tags": {"rotate": "90"}, "side_data_list": [{"rotation": 0}])"), upright)
+        << "the display matrix wins over the tag";
+    EXPECT_EQ(size(R"("tags": {})"), upright);
 }
 
 TEST(ProbeReportParse, MissingPartsGetNeutralValues)

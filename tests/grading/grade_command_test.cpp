@@ -72,6 +72,7 @@ TEST_F(GradeCommand, RefusesBadArgumentsWithAReason)
         {{input, "-o", output, "--lut", badCube}, 1, "The LUT data is incomplete."},
         {{input, "-o", output, "--exposure", "bright"}, 2, "--exposure: 'bright' is not a number"},
         {{input, "-o", output, "--contrast", "nan"}, 2, "--contrast: 'nan' is not a number"},
+        {{input, "-o", output, "--exposure", "99"}, 2, "--exposure: 99 is outside -3 to 3"},
         {{input, "-o", folder.file("out.jpg")}, 2, "OUTPUT must be a .png file"},
         {{input, "-o", input}, 2, "OUTPUT is the INPUT file"},
         {{input}, 2, "no OUTPUT given"},

@@ -65,3 +65,32 @@ TEST(WatermarkImage, PngKeepsTransparencyAndRendersVectorsSharp)
     EXPECT_FALSE(WatermarkImage::load(folder.write("broken.png", "not an image")));
     EXPECT_FALSE(WatermarkImage::load(folder.file("missing.png")));
 }
+
+TEST(WatermarkImage, LargeBitmapKeepsThinStrokesWhenReduced)
+{
+    // One-pixel white lines every 8 pixels, reduced 4x: each line must leave
+    // a quarter-strength column; point sampling would miss every one.
+    TempFolder folder;
+    QImage lines(8192, 16, QImage::Format_ARGB32);
+    lines.fill(Qt::transparent);
+    for (int x = 0; x < lines.width(); x += 8)
+        for (int y = 0; y < lines.height(); ++y)
+            lines.setPixelColor(x, y, Qt::white);
+    const QString path = folder.file("lines.png");
+    ASSERT_TRUE(lines.save(path));
+
+    const auto image = WatermarkImage::load(path);
+    ASSERT_TRUE(image);
+    const QSize size = image->rasterPixelSize(path);
+    ASSERT_EQ(size, QSize(2048, 4));
+    const QImage reduced = QImage::fromData(*image->pngData(size), "PNG");
+    double alphaSum = 0;
+    int faintPairs = 0;
+    for (int x = 0; x < reduced.width(); x += 2) {
+        const int pairAlpha = std::max(reduced.pixelColor(x, 2).alpha(), reduced.pixelColor(x + 1, 2).alpha());
+        faintPairs += pairAlpha < 48;
+        alphaSum += reduced.pixelColor(x, 2).alpha() + reduced.pixelColor(x + 1, 2).alpha();
+    }
+    EXPECT_EQ(faintPairs, 0) << "every line is still there";
+    EXPECT_NEAR(alphaSum / reduced.width(), 255.0 / 8, 2) << "the coverage is kept";
+}
