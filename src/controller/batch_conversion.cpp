@@ -3,6 +3,7 @@
 
 #include "controller/output_naming.h"
 #include "engine/concat_job.h"
+#include "grading/baked_cube.h"
 
 #include <QDir>
 #include <QFile>
@@ -124,6 +125,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         QDir().mkpath(partsFolder);
     }
     QStringList parts;
+    QStringList bakedCubes;  // removed when the batch ends
     bool stopped = false;
 
     for (int position = 0; position < plan.clipCount; ++position) {
@@ -144,7 +146,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
             plan.combine ? QDir(partsFolder).filePath(partFileName(position))
                          : OutputNaming::uniqueOutputPath(clip.url.toLocalFile(), outputFolder,
                                                           OutputNaming::existsOnDisk);
-        const ClipConversion job = conversionFor(clip, plan, output, lutPath, watermark, settings_);
+        ClipConversion job = conversionFor(clip, plan, output, lutPath, watermark, settings_);
         // Named, not written inside the co_await: GCC 12 destroys a lambda
         // temporary of a co_await expression twice.
         const FFmpegService::ProgressCallback onProgress = [self, position, denominator](double fraction) {
@@ -153,6 +155,11 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         };
         std::exception_ptr failure;
         try {
+            if (job.settings.matchPreview) {
+                job.bakedCube = matchedPreviewCube(clip, true);
+                if (job.bakedCube && !bakedCubes.contains(*job.bakedCube))
+                    bakedCubes << *job.bakedCube;
+            }
             co_await ffmpeg_.convertClip(job, onProgress, stop);
         } catch (...) {
             failure = std::current_exception();
@@ -242,7 +249,24 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
     setStatusMessage(finalStatus(stop.stop_requested(), stopped, plan.combine));
     if (plan.combine)
         QDir(partsFolder).removeRecursively();
+    for (const QString& cube : bakedCubes)
+        QFile::remove(cube);
     finishTask();
+}
+
+std::optional<QString> AppModel::matchedPreviewCube(const ClipItem& clip, bool write) const
+{
+    const GradeValues grade{clip.exposure, clip.contrast, clip.saturation, clip.temperature};
+    // The preview shows the table the grader holds; a chosen file it could
+    // not read would make the export differ from what was seen.
+    if (!lutURL_.isEmpty() && !grader_.lut())
+        throw PlatformError(QStringLiteral("The LUT %1 could not be read, so the export cannot match the preview.")
+                                .arg(QFileInfo(lutURL_.toLocalFile()).fileName()));
+    if (!BakedCube::isNeeded(grade, grader_.lut()))
+        return std::nullopt;
+    if (write)
+        return BakedCube::writeBakedCube(workspace_, grade, grader_.lut());
+    return QDir(workspace_).filePath(BakedCube::fileName(grade, grader_.lut()));
 }
 
 std::optional<QString> AppModel::stagedLUTTarget(const QString& source) const
@@ -294,7 +318,14 @@ std::vector<PlannedCommand> AppModel::plannedCommands() const
                                    ? QDir(partsFolder).filePath(partFileName(position))
                                    : OutputNaming::uniqueOutputPath(clip.url.toLocalFile(), folder, taken);
         claimed << output;
-        const ClipConversion job = conversionFor(clip, plan, output, lutPath, watermark, settings_);
+        ClipConversion job = conversionFor(clip, plan, output, lutPath, watermark, settings_);
+        if (settings_.matchPreview) {
+            try {
+                job.bakedCube = matchedPreviewCube(clip, false);
+            } catch (const Error&) {
+                // The batch itself reports the unreadable LUT; show the chain without it.
+            }
+        }
         commands.push_back({conversionArguments(job, ffmpeg_.encoder(settings_.codec)), output});
     }
     if (plan.combine) {

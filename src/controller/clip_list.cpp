@@ -83,6 +83,7 @@ QCoro::Task<void> AppModel::probePendingClips()
             stored.codecName = info->codecName;
             stored.fps = info->fps;
             stored.hasAudio = info->hasAudio;
+            stored.color = info->color;
             stored.clampTrimTo(info->duration);
         });
     }
