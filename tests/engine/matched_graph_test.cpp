@@ -19,45 +19,37 @@ namespace {
 
 TEST(MatchedGraph, ReadsTheSourceAsThePreviewDoesAndTagsTheOutput)
 {
-    // Tags win; untagged HD is BT.709, untagged SD BT.601; only "pc" is full.
-    EXPECT_EQ(MatchedGraph::sourceMatrix({}, 1280, 720), "bt709");
+    // Tags win; untagged is BT.709 from 1280 wide or past 576 high.
     EXPECT_EQ(MatchedGraph::sourceMatrix({}, 1024, 577), "bt709");
     EXPECT_EQ(MatchedGraph::sourceMatrix({}, 720, 576), "bt601");
     EXPECT_EQ(MatchedGraph::sourceMatrix({.space = "bt709"}, 320, 240), "bt709");
     EXPECT_EQ(MatchedGraph::sourceMatrix({.space = "bt470bg"}, 1920, 1080), "bt601");
-    EXPECT_EQ(MatchedGraph::sourceMatrix({.space = "bt2020nc"}, 3840, 2160), "bt2020");
-    EXPECT_TRUE(MatchedGraph::isFullRange({.range = "pc"}));
-    EXPECT_FALSE(MatchedGraph::isFullRange({.range = "tv"}));
 
     ClipConversion job{.input = "/in/c.mov", .output = "/out/c.mp4", .lutPath = "/w/active-lut.cube",
                        .exposure = 0.3, .duration = 10, .width = 1920, .height = 1080};
-    job.settings.codec = VideoCodec::h264;
     job.settings.removeAudio = true;
     job.settings.matchPreview = true;
     job.bakedCube = "/w/preview-grade-0123456789abcdef.cube";
     job.sourceColor = {.range = "pc", .primaries = "bt709"};
-    const QString encoding = "-c:v libx264 -b:v 18662k " + softwareEncoder(VideoCodec::h264).options.join(' ')
-                           + " -pix_fmt yuv420p";
-    EXPECT_EQ(conversionArguments(job, softwareEncoder(VideoCodec::h264)).join(' '),
+    const VideoEncoder encoder = softwareEncoder(VideoCodec::hevc);
+    EXPECT_EQ(conversionArguments(job, encoder).join(' '),
               "-nostdin -hide_banner -loglevel error -y -i /in/c.mov -vf scale=in_color_matrix=bt709:in_range=pc,"
               "format=gbrp16le,lut3d=file=/w/preview-grade-0123456789abcdef.cube:interp=tetrahedral,"
-              "scale=trunc(iw/2)*2:trunc(ih/2)*2,format=gbrp16le,scale=out_color_matrix=bt709:out_range=tv,format=yuv420p "
-              "-map 0:v:0 " + encoding + " -colorspace bt709 -color_range tv -color_primaries bt709 -sn -an "
+              "scale=trunc(iw/2)*2:trunc(ih/2)*2,format=gbrp16le,scale=out_color_matrix=bt709:out_range=tv,"
+              "format=yuv420p -map 0:v:0 " + videoEncodingArguments(encoder, VideoCodec::hevc, 13478).join(' ')
+              + " -colorspace bt709 -color_range tv -color_primaries bt709 -sn -an "
               "-movflags +faststart -progress pipe:1 -nostats /out/c.mp4");
 
-    // A neutral SD part of a combined export, watermarked: no table, the
-    // overlay blends in RGB and the final conversion writes BT.601.
-    job.bakedCube.reset();
-    job.sourceColor = {};
-    job.width = 640;
-    job.height = 480;
-    job.normalization = VideoNormalization{720, 576, 25, false};
-    job.watermark = WatermarkOverlay{"/w/m.png", 0, 0, 0.2, 1, 2};
-    const QString arguments = conversionArguments(job, softwareEncoder(VideoCodec::h264)).join(' ');
-    EXPECT_TRUE(arguments.contains("-filter_complex [0:v]scale=in_color_matrix=bt601:in_range=tv,format=gbrp16le,"
-                                   "scale=720:576:force_original_aspect_ratio=decrease,pad=720:576:(ow-iw)/2:(oh-ih)/2,"
-                                   "setsar=1,fps=25.000,format=gbrp16le[v];[1:v]"))
+    // A neutral SD part, watermarked: no table; the overlay blends in RGB and
+    // the final conversion writes BT.601.
+    job = ClipConversion{.input = "/in/c.mov", .output = "/out/c.mp4", .width = 640, .height = 480,
+                         .normalization = VideoNormalization{720, 576, 25, false},
+                         .watermark = WatermarkOverlay{"/w/m.png", 0, 0, 0.2, 1, 2}};
+    job.settings.matchPreview = true;
+    const QString arguments = conversionArguments(job, encoder).join(' ');
+    EXPECT_TRUE(arguments.contains("[0:v]scale=in_color_matrix=bt601:in_range=tv,format=gbrp16le,scale=720:576:"))
         << arguments.toStdString();
+    EXPECT_TRUE(arguments.contains("fps=25.000,format=gbrp16le[v];[1:v]"));
     EXPECT_TRUE(arguments.contains("overlay=0:0:format=auto,scale=out_color_matrix=bt601:out_range=tv,"
                                    "format=yuv420p[vout]"));
     EXPECT_TRUE(arguments.contains("-colorspace smpte170m -color_range tv -sn"));
