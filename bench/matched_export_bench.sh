@@ -65,8 +65,8 @@ PY
 # The filter graphs alone, decoding included, encoding left out.
 graph() {
   "$build/tavrelune" convert --dry-run --codec h264 --exposure 0.3 --contrast 1.1 --saturation 1.2 \
-    --temperature 30 "$@" -o "$work/out" "$work/timed.mp4" "$work/look.cube" | head -1 \
-    | python3 -c 'import json, sys; a = json.load(sys.stdin); print(a[a.index("-vf") + 1])'
+    --temperature 30 "$@" -o "$work/out" "$work/timed.mp4" "$work/look.cube" \
+    | python3 -c 'import json, sys; a = json.loads(sys.stdin.read().splitlines()[0]); print(a[a.index("-vf") + 1])'
 }
 cpu() {
   /usr/bin/time -f "%U %S" ffmpeg -nostdin -hide_banner -loglevel error -i "$work/timed.mp4" "$@" -f null - 2>&1 \
