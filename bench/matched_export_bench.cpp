@@ -181,8 +181,10 @@ void benchmarkExport(benchmark::State& state, Timing timing, bool matched)
     const ColorTags color = waitForTask(service.probe(timing.input)).color;
     const QString output = timing.workDir + (matched ? "/timed-matched.mp4" : "/timed-chain.mp4");
     for (auto _ : state) {
-        // The bake is part of a matched export's cost.
-        QFile::remove(timing.workDir + "/" + BakedCube::fileName(withLut.values, lut));
+        // The bake is part of a matched export's cost. The table stays
+        // afterwards for the script's filter-graph timing.
+        if (matched)
+            QFile::remove(timing.workDir + "/" + BakedCube::fileName(withLut.values, lut));
         QElapsedTimer timer;
         timer.start();
         const ClipConversion job =
