@@ -20,6 +20,7 @@ EncodeSettings SettingsChoice::appliedTo(EncodeSettings settings) const
     settings.copyAudio = copyAudio.value_or(settings.copyAudio);
     settings.removeAudio = removeAudio.value_or(settings.removeAudio);
     settings.concatenateClips = concatenateClips.value_or(settings.concatenateClips);
+    settings.matchPreview = matchPreview.value_or(settings.matchPreview);
     return settings;
 }
 
@@ -30,6 +31,7 @@ void SettingsChoice::overrideWith(const SettingsChoice& given)
     cli::overrideWith(copyAudio, given.copyAudio);
     cli::overrideWith(removeAudio, given.removeAudio);
     cli::overrideWith(concatenateClips, given.concatenateClips);
+    cli::overrideWith(matchPreview, given.matchPreview);
 }
 
 void GradeChoice::applyTo(ClipItem& clip) const
@@ -191,6 +193,7 @@ SettingsChoice readSettings(const Section& section)
     settings.copyAudio = section.boolean("copyAudio");
     settings.removeAudio = section.boolean("removeAudio");
     settings.concatenateClips = section.boolean("concatenateClips");
+    settings.matchPreview = section.boolean("matchPreview");
     return settings;
 }
 
@@ -234,7 +237,8 @@ ConvertJob parseConvertJob(const QByteArray& json, const QString& baseFolder)
     job.outputFolder = top.path("outputFolder", baseFolder, nullptr, QString());
     if (const auto settings = top.object("settings"))
         job.settings = readSettings(Section(*settings, "settings",
-                                            {"codec", "quality", "copyAudio", "removeAudio", "concatenateClips"}));
+                                            {"codec", "quality", "copyAudio", "removeAudio",
+                                             "concatenateClips", "matchPreview"}));
     job.lut = top.path("lut", baseFolder, MediaType::isLut, "a LUT file (.cube)");
     if (const auto watermark = top.object("watermark"))
         job.watermark = readWatermark(

@@ -30,6 +30,7 @@ struct SettingsChoice {
     std::optional<bool> copyAudio;
     std::optional<bool> removeAudio;
     std::optional<bool> concatenateClips;
+    std::optional<bool> matchPreview;
 
     EncodeSettings appliedTo(EncodeSettings settings) const;
     void overrideWith(const SettingsChoice& given);

@@ -303,6 +303,10 @@ private:
     // the loader rejects, PlatformError when it cannot be written.
     std::optional<QString> preparedLUTPath(const std::optional<QString>& source = std::nullopt);
     std::optional<QString> stagedLUTTarget(const QString& source) const;
+    // The baked preview grade of a clip in the working folder (written when
+    // `write`, else only named); none when the clip needs no table. Throws
+    // when the chosen LUT could not be read for the preview.
+    std::optional<QString> matchedPreviewCube(const ClipItem& clip, bool write) const;
     WatermarkOverlay preparedWatermarkOverlay();
     std::optional<WatermarkOverlay> preparedExportWatermark();
     WatermarkOverlay overlayFor(const QString& imagePath) const;

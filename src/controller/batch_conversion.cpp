@@ -6,6 +6,7 @@
 #include "engine/concat_job.h"
 #include "grading/cube_writer.h"
 #include "model/media_type.h"
+#include "grading/baked_cube.h"
 
 #include <QDir>
 #include <QFile>
@@ -161,6 +162,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         }
     }
     QStringList parts;
+    QStringList bakedCubes;  // removed when the batch ends
     bool stopped = false;
 
     for (int position = 0; position < plan.clipCount; ++position) {
@@ -198,8 +200,13 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
                 claim = OutputClaim::claim(chooseName, workspace_);
                 output = claim->finalPath();
             }
-            const ClipConversion job = conversionFor(clip, plan, claim ? claim->temporaryPath() : output,
+            ClipConversion job = conversionFor(clip, plan, claim ? claim->temporaryPath() : output,
                                                      lutPath, watermark, settings_);
+            if (job.settings.matchPreview) {
+                job.bakedCube = matchedPreviewCube(clip, true);
+                if (job.bakedCube && !bakedCubes.contains(*job.bakedCube))
+                    bakedCubes << *job.bakedCube;
+            }
             co_await ffmpeg_.convertClip(job, onProgress, stop);
             if (claim) {
                 co_await checkFinishedOutput(claim->temporaryPath(), stop);
@@ -296,6 +303,8 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
     setIsConverting(false);
     partsFolder.reset();  // removes the parts
     setStatusMessage(finalStatus(stop.stop_requested(), stopped, plan.combine));
+    for (const QString& cube : bakedCubes)
+        QFile::remove(cube);
     finishTask();
 }
 
@@ -307,6 +316,21 @@ QCoro::Task<void> AppModel::checkFinishedOutput(QString path, std::stop_token st
     if (stop.stop_requested())
         throw FFmpegError::cancelled();
     co_return;
+}
+
+std::optional<QString> AppModel::matchedPreviewCube(const ClipItem& clip, bool write) const
+{
+    const GradeValues grade{clip.exposure, clip.contrast, clip.saturation, clip.temperature};
+    // The preview shows the table the grader holds; a chosen file it could
+    // not read would make the export differ from what was seen.
+    if (!lutURL_.isEmpty() && !grader_.lut())
+        throw PlatformError(QStringLiteral("The LUT %1 could not be read, so the export cannot match the preview.")
+                                .arg(QFileInfo(lutURL_.toLocalFile()).fileName()));
+    if (!BakedCube::isNeeded(grade, grader_.lut()))
+        return std::nullopt;
+    if (write)
+        return BakedCube::writeBakedCube(workspace_, grade, grader_.lut());
+    return QDir(workspace_).filePath(BakedCube::fileName(grade, grader_.lut()));
 }
 
 std::optional<QString> AppModel::stagedLUTTarget(const QString& source) const
@@ -370,7 +394,14 @@ std::vector<PlannedCommand> AppModel::plannedCommands() const
                                    ? QDir(partsFolder).filePath(partFileName(position))
                                    : OutputNaming::uniqueOutputPath(clip.url.toLocalFile(), folder, taken);
         claimed << output;
-        const ClipConversion job = conversionFor(clip, plan, output, lutPath, watermark, settings_);
+        ClipConversion job = conversionFor(clip, plan, output, lutPath, watermark, settings_);
+        if (settings_.matchPreview) {
+            try {
+                job.bakedCube = matchedPreviewCube(clip, false);
+            } catch (const Error&) {
+                // The batch itself reports the unreadable LUT; show the chain without it.
+            }
+        }
         commands.push_back({conversionArguments(job, ffmpeg_.encoder(settings_.codec)), output});
     }
     if (plan.combine) {

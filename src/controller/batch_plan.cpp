@@ -70,6 +70,7 @@ ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const 
     job.hasAudio = clip.hasAudio;
     job.normalization = plan.normalization;
     job.watermark = watermark;
+    job.sourceColor = clip.color;
     return job;
 }
 

@@ -85,6 +85,7 @@ QCoro::Task<void> AppModel::probePendingClips()
             stored.hasAudio = info->hasAudio;
             if (info->audioBitrate > 0)
                 stored.audioBitrate = info->audioBitrate;
+            stored.color = info->color;
             stored.clampTrimTo(info->duration);
         });
     }

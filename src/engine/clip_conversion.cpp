@@ -2,6 +2,7 @@
 
 #include "engine/decimal_text.h"
 #include "engine/ffmpeg_service.h"
+#include "engine/matched_graph.h"
 
 #include <cmath>
 
@@ -61,9 +62,15 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
     const int64_t width = job.normalization ? job.normalization->width : job.width;
     const int64_t height = job.normalization ? job.normalization->height : job.height;
     const QString pixelFormat = job.watermark ? QStringLiteral("gbrp16le") : QStringLiteral("yuv420p");
-    const QString grade = FFmpegService::filterGraph(job.lutPath, job.exposure, job.contrast,
-                                                     job.temperature, job.saturation,
-                                                     job.normalization, pixelFormat);
+    const bool matched = job.settings.matchPreview;
+    const QString toOutput = matched ? MatchedGraph::outputConversion(width, height)
+                                     : QStringLiteral("format=yuv420p");
+    const QString grade =
+        matched ? MatchedGraph::filterGraph(job.bakedCube, job.sourceColor, job.width, job.height,
+                                            job.normalization,
+                                            job.watermark ? QString() : toOutput)
+                : FFmpegService::filterGraph(job.lutPath, job.exposure, job.contrast, job.temperature,
+                                             job.saturation, job.normalization, pixelFormat);
 
     QStringList arguments{QStringLiteral("-nostdin"), QStringLiteral("-hide_banner"),
                           QStringLiteral("-loglevel"), QStringLiteral("error"), QStringLiteral("-y")};
@@ -78,7 +85,7 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
                   << QStringLiteral("anullsrc=channel_layout=stereo:sample_rate=48000");
     if (job.watermark) {
         arguments << QStringLiteral("-filter_complex")
-                  << FFmpegService::watermarkFilterComplex(grade, *job.watermark, width, height)
+                  << FFmpegService::watermarkFilterComplex(grade, *job.watermark, width, height, toOutput)
                   << QStringLiteral("-map") << QStringLiteral("[vout]");
     } else {
         arguments << QStringLiteral("-vf") << grade << QStringLiteral("-map") << QStringLiteral("0:v:0");
@@ -86,6 +93,8 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
     arguments << videoEncodingArguments(
         encoder, job.settings.codec,
         bitrateKbps(job.settings.quality, width, height, job.settings.codec));
+    if (matched)
+        arguments << MatchedGraph::outputColorArguments(job.sourceColor, width, height);
     arguments << QStringLiteral("-sn");
     if (job.trim && job.duration > 0)
         arguments << QStringLiteral("-t") << fixedDecimal(job.duration, 3);

@@ -6,6 +6,7 @@
 
 #include "engine/video_encoder.h"
 #include "model/encode_settings.h"
+#include "model/media_info.h"
 #include "watermark/watermark_settings.h"
 
 #include <QString>
@@ -36,6 +37,11 @@ struct ClipConversion {
     // Present only for the parts of a combined export.
     std::optional<VideoNormalization> normalization;
     std::optional<WatermarkOverlay> watermark;
+    // With settings.matchPreview: the baked preview grade (none for a
+    // neutral clip without LUT), which replaces the LUT and the four values,
+    // and the source's colour tags, which say how the preview reads it.
+    std::optional<QString> bakedCube;
+    ColorTags sourceColor;
 
     bool operator==(const ClipConversion&) const = default;
 

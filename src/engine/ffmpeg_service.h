@@ -122,6 +122,9 @@ public:
                                double temperature, double saturation,
                                std::optional<VideoNormalization> normalization,
                                const QString& outputPixelFormat);
+    // The size steps of every chain: even sides, or fitted and padded to a
+    // normalization with square pixels and its frame rate.
+    static QStringList sizeFilters(const std::optional<VideoNormalization>& normalization);
     // A backslash before every backslash, colon, quote, comma, bracket and
     // semicolon. That is one level of escaping: enough for the graph parser,
     // but lut3d parses its options once more, so a LUT path holding a colon,
@@ -129,9 +132,11 @@ public:
     // of those three.
     static QString escapeFilterPath(const QString& path);
     // Input 0 graded with `grade` (which must end in gbrp16le), input 1
-    // overlaid at the clamped placement, output "[vout]" in yuv420p.
+    // overlaid at the clamped placement, output "[vout]" in yuv420p made by
+    // `outputConversion`.
     static QString watermarkFilterComplex(const QString& grade, const WatermarkOverlay& watermark,
-                                          int64_t outputWidth, int64_t outputHeight);
+                                          int64_t outputWidth, int64_t outputHeight,
+                                          const QString& outputConversion = QStringLiteral("format=yuv420p"));
 
 private:
     struct TrackedChild {

@@ -64,19 +64,23 @@ QString FFmpegService::filterGraph(std::optional<QString> lutPath, double exposu
     if (!eq.isEmpty())
         filters << QStringLiteral("eq=") + eq.join(QLatin1Char(':'));
 
-    if (normalization) {
-        const QString width = QString::number(normalization->width);
-        const QString height = QString::number(normalization->height);
-        filters << QStringLiteral("scale=%1:%2:force_original_aspect_ratio=decrease").arg(width, height)
-                << QStringLiteral("pad=%1:%2:(ow-iw)/2:(oh-ih)/2").arg(width, height)
-                << QStringLiteral("setsar=1")
-                << QStringLiteral("fps=") + fixedDecimal(std::clamp(normalization->fps, 1.0, 120.0), 3);
-    } else {
-        // Chroma subsampling needs even sides.
-        filters << QStringLiteral("scale=trunc(iw/2)*2:trunc(ih/2)*2");
-    }
+    filters << sizeFilters(normalization);
     filters << QStringLiteral("format=") + outputPixelFormat;
     return filters.join(QLatin1Char(','));
+}
+
+QStringList FFmpegService::sizeFilters(const std::optional<VideoNormalization>& normalization)
+{
+    if (!normalization) {
+        // Chroma subsampling needs even sides.
+        return {QStringLiteral("scale=trunc(iw/2)*2:trunc(ih/2)*2")};
+    }
+    const QString width = QString::number(normalization->width);
+    const QString height = QString::number(normalization->height);
+    return {QStringLiteral("scale=%1:%2:force_original_aspect_ratio=decrease").arg(width, height),
+            QStringLiteral("pad=%1:%2:(ow-iw)/2:(oh-ih)/2").arg(width, height),
+            QStringLiteral("setsar=1"),
+            QStringLiteral("fps=") + fixedDecimal(std::clamp(normalization->fps, 1.0, 120.0), 3)};
 }
 
 QString FFmpegService::escapeFilterPath(const QString& path)
@@ -89,7 +93,8 @@ QString FFmpegService::escapeFilterPath(const QString& path)
 }
 
 QString FFmpegService::watermarkFilterComplex(const QString& grade, const WatermarkOverlay& watermark,
-                                              int64_t outputWidth, int64_t outputHeight)
+                                              int64_t outputWidth, int64_t outputHeight,
+                                              const QString& outputConversion)
 {
     const double videoAspect = static_cast<double>(outputWidth >= 2 ? outputWidth : 1)
                              / static_cast<double>(outputHeight >= 2 ? outputHeight : 1);
@@ -119,7 +124,8 @@ QString FFmpegService::watermarkFilterComplex(const QString& grade, const Waterm
     chain << QStringLiteral("scale=%1:-1:flags=lanczos").arg(w);
 
     return QStringLiteral("[0:v]") + grade + QStringLiteral("[v];[1:v]") + chain.join(QLatin1Char(','))
-         + QStringLiteral("[wm];[v][wm]overlay=%1:%2:format=auto,format=yuv420p[vout]").arg(x).arg(y);
+         + QStringLiteral("[wm];[v][wm]overlay=%1:%2:format=auto,").arg(x).arg(y)
+         + outputConversion + QStringLiteral("[vout]");
 }
 
 }  // namespace tavrelune

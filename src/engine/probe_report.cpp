@@ -16,8 +16,8 @@ namespace tavrelune::ProbeReport {
 QStringList arguments(const QString& path)
 {
     return {"-v", "error", "-show_entries",
-            "format=duration:stream=codec_type,codec_name,width,height,pix_fmt,r_frame_rate,avg_frame_rate,bit_rate"
-            ":stream_tags=rotate:stream_side_data=rotation",
+            "format=duration:stream=codec_type,codec_name,width,height,pix_fmt,r_frame_rate,avg_frame_rate,bit_rate,"
+            "color_space,color_range,color_primaries,color_transfer:stream_tags=rotate:stream_side_data=rotation",
             "-of", "json", path};
 }
 
@@ -184,6 +184,13 @@ MediaInfo parse(const QString& report)
         info.codecName = codec.isString() ? codec.toString() : QStringLiteral("unknown");
         const QJsonValue pixFmt = video->value("pix_fmt");
         info.pixFmt = pixFmt.isString() ? pixFmt.toString() : QString();
+        const auto tag = [&video](const char* key) {
+            const QJsonValue value = video->value(QLatin1String(key));
+            // ffprobe writes "unknown" (or "unspecified") when the stream is silent.
+            const QString text = value.isString() ? value.toString() : QString();
+            return text == QLatin1String("unknown") || text == QLatin1String("unspecified") ? QString() : text;
+        };
+        info.color = {tag("color_space"), tag("color_range"), tag("color_primaries"), tag("color_transfer")};
         auto rate = frameRate(video->value("r_frame_rate"));
         if (!rate)
             rate = frameRate(video->value("avg_frame_rate"));

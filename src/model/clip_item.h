@@ -4,6 +4,8 @@
 // sizes pixels. Derived values are computed on every call, never stored.
 #pragma once
 
+#include "model/media_info.h"
+
 #include <QString>
 #include <QUrl>
 #include <QUuid>
@@ -34,6 +36,7 @@ struct ClipItem {
     std::optional<double> fps;
     bool hasAudio = true;
     std::optional<int64_t> audioBitrate;  // bits per second, when the probe learned it
+    ColorTags color;  // as probed; empty until then
     double exposure = 0;
     double contrast = 1;
     double saturation = 1;

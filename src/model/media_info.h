@@ -6,6 +6,17 @@
 
 namespace tavrelune {
 
+// How a video stream says its pixels are to be read, in ffprobe's names
+// ("bt709", "tv", ...). Empty when the stream does not say.
+struct ColorTags {
+    QString space;      // the YUV matrix: bt709, smpte170m, bt470bg, bt2020nc, ...
+    QString range;      // tv (limited) or pc (full)
+    QString primaries;
+    QString transfer;
+
+    bool operator==(const ColorTags&) const = default;
+};
+
 struct MediaInfo {
     double duration = 0;          // seconds; 0 when unknown
     int64_t width = 0;            // first video stream as shown (turned upright), 0 when absent
@@ -15,6 +26,7 @@ struct MediaInfo {
     double fps = 24;              // 24 when no rate could be read
     bool hasAudio = false;
     int64_t audioBitrate = 0;     // first audio stream, bits per second; 0 when unknown
+    ColorTags color;              // of the first video stream
 
     bool operator==(const MediaInfo&) const = default;
 };

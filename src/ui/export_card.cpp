@@ -36,6 +36,13 @@ ExportCard::ExportCard(AppModel& model, QWidget* parent)
         quality_->addItem(rawValue(preset));
     combine_ = new QCheckBox(QStringLiteral("Combine into one video"));
     removeAudio_ = new QCheckBox(QStringLiteral("Remove audio"));
+    matchPreview_ = new QCheckBox(QStringLiteral("Match preview colours"));
+    auto* matchCaption = new QLabel(QStringLiteral(
+        "Bakes the preview\u2019s grade into one look-up table: the file looks exactly like the preview, "
+        "and exports faster."));
+    matchCaption->setWordWrap(true);
+    matchCaption->setFont(appearance::caption(font()));
+    appearance::setTextColor(matchCaption, appearance::secondaryText(palette()));
     hint_ = new QLabel;
     hint_->setWordWrap(true);
     hint_->setFont(appearance::caption(font()));
@@ -58,6 +65,9 @@ ExportCard::ExportCard(AppModel& model, QWidget* parent)
     connect(removeAudio_, &QCheckBox::clicked, this, [change](bool on) {
         change([on](EncodeSettings& s) { s.removeAudio = on; });
     });
+    connect(matchPreview_, &QCheckBox::clicked, this, [change](bool on) {
+        change([on](EncodeSettings& s) { s.matchPreview = on; });
+    });
 
     controls_ = new QWidget;
     auto* grid = new QGridLayout(controls_);
@@ -74,6 +84,8 @@ ExportCard::ExportCard(AppModel& model, QWidget* parent)
     options_->setSpacing(6);
     options_->addWidget(combine_);
     options_->addWidget(removeAudio_);
+    options_->addWidget(matchPreview_);
+    options_->addWidget(matchCaption);
     grid->addLayout(options_, 2, 0, 1, 2);
 
     body()->addWidget(controls_);
@@ -111,6 +123,7 @@ void ExportCard::follow()
     combine_->setChecked(settings.concatenateClips);
     combine_->setEnabled(clipCount >= 2);
     removeAudio_->setChecked(settings.removeAudio);
+    matchPreview_->setChecked(settings.matchPreview);
     controls_->setEnabled(!model_.isConverting());
     hint_->setText(hintText(settings, clipCount, model_.encoderLabel()));
 }

@@ -41,6 +41,7 @@ public:
     QComboBox* qualityPicker() const { return quality_; }
     QCheckBox* combineToggle() const { return combine_; }
     QCheckBox* removeAudioToggle() const { return removeAudio_; }
+    QCheckBox* matchPreviewToggle() const { return matchPreview_; }
     QString hint() const;
 
 private:
@@ -53,6 +54,7 @@ private:
     QComboBox* quality_;
     QCheckBox* combine_;
     QCheckBox* removeAudio_;
+    QCheckBox* matchPreview_;
     QLabel* hint_;
 };
 

@@ -13,6 +13,7 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QThread>
+#include <QRegularExpression>
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -183,6 +184,15 @@ TEST(ConvertCommand, DryRunPrintsTheExactCommandAndTouchesNothing)
     EXPECT_EQ(lines[2], "# forecast: About 634 kB in 1 file") << "5069 kb/s for 1 s, no audio";
     EXPECT_FALSE(QFile::exists(out));
     EXPECT_TRUE(sandbox.loggedConversions().isEmpty());
+
+    // Matching the preview shows where the baked table would be.
+    const CommandRun matched = sandbox.run({"--dry-run", "--match-preview", "--exposure", "0.5", "--output", out, clip});
+    ASSERT_EQ(matched.exitCode, 0) << matched.errLines.join('\n').toStdString();
+    const QString graph = QJsonDocument::fromJson(matched.out.split('\n').first().toUtf8()).array()[9].toString();
+    EXPECT_TRUE(graph.contains(":interp=tetrahedral,scale=trunc(iw/2)*2:trunc(ih/2)*2,format=gbrp16le,")) << graph.toStdString();
+    const auto cube = QRegularExpression("lut3d=file=([^:]*/preview-grade-[0-9a-f]{16}\\.cube)").match(graph);
+    ASSERT_TRUE(cube.hasMatch()) << graph.toStdString();
+    EXPECT_FALSE(QFile::exists(cube.captured(1)));
 }
 
 // The job sets trims and grades per clip, a LUT and a watermark; the command

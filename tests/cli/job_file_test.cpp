@@ -45,6 +45,7 @@ TEST(JobFile, ReadsEveryKeyAndResolvesPathsAgainstTheJobFolder)
     EXPECT_EQ(job.clips[0], (JobClip{"/jobs/today/card/A001.mov", {0.3, 1.1, 1.0, 12}, 2.5, 9.0}));
     EXPECT_EQ(job.clips[1], (JobClip{"/jobs/today/card/A002.mov", {}, std::nullopt, std::nullopt}));
     EXPECT_EQ(parseConvertJob("{}", "/jobs"), ConvertJob{}) << "absent keys stay unset";
+    EXPECT_EQ(parseConvertJob(R"({"settings": {"matchPreview": true}})", "/jobs").settings.matchPreview, true);
 }
 
 TEST(JobFile, EachMistakeNamesItsKey)

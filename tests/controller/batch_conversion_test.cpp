@@ -330,3 +330,41 @@ TEST_F(ControllerTest, ABatchThatWouldNotFitIsNotStarted)
     convert();
     EXPECT_EQ(model->statusMessage(), "Done: combined 2 clips into one video.");
 }
+
+TEST_F(ControllerTest, PreviewMatchedBatchBakesOneTablePerGradeAndRemovesThem)
+{
+    const QString lut = root.write("looks/warm.cube", warmCube);
+    addAndProbe({clip("a.mov", {.seconds = 0.3, .audio = false}), clip("b.mov", {.seconds = 0.3, .audio = false}),
+                 clip("c.mov", {.seconds = 0.3, .audio = false}), lut});
+    EncodeSettings settings = model->settings();
+    settings.matchPreview = true;
+    model->setSettings(settings);
+    model->selectClip(clipAt(2).id);
+    model->liveGrade().setTemperature(40);
+
+    // The dry run names the tables; a and b share the neutral grade's.
+    const std::vector<PlannedCommand> commands = model->plannedCommands();
+    ASSERT_EQ(commands.size(), 3u);
+    const auto cubeOf = [](const PlannedCommand& command) {
+        const QString arguments = command.arguments.join(' ');
+        const auto at = arguments.indexOf("lut3d=file=");
+        return arguments.mid(at + 11, arguments.indexOf(':', at) - at - 11);
+    };
+    EXPECT_TRUE(cubeOf(commands[0]).startsWith(workspace() + "/preview-grade-"));
+    EXPECT_EQ(cubeOf(commands[0]), cubeOf(commands[1]));
+    EXPECT_NE(cubeOf(commands[0]), cubeOf(commands[2]));
+    EXPECT_FALSE(QFile::exists(cubeOf(commands[0]))) << "a dry run writes nothing";
+
+    // ffmpeg fails on a missing table, so success means both were baked.
+    convert();
+    EXPECT_EQ(model->statusMessage(), "Done: converted 3 clips.") << model->errorMessage().toStdString();
+    EXPECT_TRUE(QDir(workspace()).entryList({"preview-grade-*.cube"}, QDir::Files).isEmpty());
+    EXPECT_EQ(probeEntry(outputFolder() + "/a_graded.mp4", "color_space"), "smpte170m");
+
+    // A LUT format the preview cannot read cannot be matched: the clip fails.
+    root.write("looks/other.3dl", "0 512 1023\n0 0 0\n");
+    model->setLUT(QUrl::fromLocalFile(root.file("looks/other.3dl")));
+    convert();
+    EXPECT_EQ(clipAt(0).status, ClipStatus::failed);
+    EXPECT_TRUE(model->errorMessage().contains("other.3dl")) << model->errorMessage().toStdString();
+}

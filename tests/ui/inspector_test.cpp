@@ -154,11 +154,13 @@ TEST_F(InspectorTest, ExportControlsWriteTheSettings)
     QTest::keyClick(&quality, Qt::Key_Down);
     EXPECT_EQ(model->settings().quality, QualityPreset::balanced);
 
-    inspector().ensureWidgetVisible(exportCard().removeAudioToggle());
-    for (QCheckBox* toggle : {exportCard().combineToggle(), exportCard().removeAudioToggle()})
+    inspector().ensureWidgetVisible(exportCard().matchPreviewToggle());
+    for (QCheckBox* toggle :
+         {exportCard().combineToggle(), exportCard().removeAudioToggle(), exportCard().matchPreviewToggle()})
         QTest::mouseClick(toggle, Qt::LeftButton, {}, QPoint(8, toggle->height() / 2));
     EXPECT_TRUE(model->settings().concatenateClips);
     EXPECT_TRUE(model->settings().removeAudio);
+    EXPECT_TRUE(model->settings().matchPreview);
     EXPECT_EQ(inspector().convertButton()->text(), "Export one video");
 }
 
