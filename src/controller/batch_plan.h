@@ -5,6 +5,7 @@
 #pragma once
 
 #include "engine/clip_conversion.h"
+#include "engine/output_check.h"
 #include "model/clip_item.h"
 
 #include <QList>
@@ -38,5 +39,14 @@ ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const 
                              const std::optional<QString>& lutPath,
                              const std::optional<WatermarkOverlay>& watermark,
                              const EncodeSettings& settings);
+
+// What the clip's own output must hold once converted on its own: the
+// source's size made even, the export length, audio unless removed.
+ExpectedOutput expectedClipOutput(const ClipItem& clip, const BatchPlan& plan, const EncodeSettings& settings);
+
+// What the joined file of a combined batch must hold: the normalization's
+// size and rate, the parts' lengths added up, audio when the parts carry it.
+ExpectedOutput expectedJoinedOutput(const QList<ClipItem>& clips, const BatchPlan& plan,
+                                    const EncodeSettings& settings);
 
 }  // namespace tavrelune
