@@ -161,6 +161,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         }
     }
     QStringList parts;
+    double partsDuration = 0;  // as probed
     bool stopped = false;
 
     for (int position = 0; position < plan.clipCount; ++position) {
@@ -201,11 +202,11 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
             const ClipConversion job = conversionFor(clip, plan, claim ? claim->temporaryPath() : output,
                                                      lutPath, watermark, settings_);
             co_await ffmpeg_.convertClip(job, onProgress, stop);
-            if (claim) {
-                co_await checkFinishedOutput(claim->temporaryPath(),
-                                             expectedClipOutput(clip, plan, settings_), stop);
+            const MediaInfo made =
+                co_await checkFinishedOutput(job.output, expectedClipOutput(clip, plan, settings_), stop);
+            partsDuration += made.duration;
+            if (claim)
                 claim->commit();
-            }
         } catch (...) {
             failure = std::current_exception();
         }
@@ -262,7 +263,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
             co_await ffmpeg_.concatenate(parts, claim->temporaryPath(), sum, settings_, plan.width,
                                          plan.height, onJoinProgress, stop);
             co_await checkFinishedOutput(claim->temporaryPath(),
-                                         expectedJoinedOutput(clips_, plan, settings_), stop);
+                                         expectedJoinedOutput(plan, settings_, partsDuration), stop);
             claim->commit();
         } catch (...) {
             failure = std::current_exception();
@@ -301,7 +302,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
     finishTask();
 }
 
-QCoro::Task<void> AppModel::checkFinishedOutput(QString path, ExpectedOutput expected, std::stop_token stop)
+QCoro::Task<MediaInfo> AppModel::checkFinishedOutput(QString path, ExpectedOutput expected, std::stop_token stop)
 {
     // A stop that came as ffmpeg finished still counts: the user asked for
     // no more files.
@@ -322,6 +323,7 @@ QCoro::Task<void> AppModel::checkFinishedOutput(QString path, ExpectedOutput exp
         throw FFmpegError::cancelled();
     if (const auto mismatch = outputMismatch(expected, probed))
         throw FFmpegError::conversionFailed(*mismatch);
+    co_return probed;
 }
 
 std::optional<QString> AppModel::stagedLUTTarget(const QString& source) const

@@ -77,29 +77,32 @@ ExpectedOutput expectedClipOutput(const ClipItem& clip, const BatchPlan& plan, c
 {
     ExpectedOutput expected;
     expected.codec = settings.codec;
+    expected.duration = exportDuration(clip);
+    if (plan.normalization) {
+        // A part: fitted to the batch's size and rate; every part has audio or none does.
+        expected.width = plan.normalization->width;
+        expected.height = plan.normalization->height;
+        expected.fps = plan.normalization->fps;
+        expected.audio = plan.normalization->includeAudio;
+        return expected;
+    }
     // The filter graph truncates each side to an even number.
     if (clip.width && clip.height) {
         expected.width = *clip.width - *clip.width % 2;
         expected.height = *clip.height - *clip.height % 2;
     }
-    expected.duration = exportDuration(clip);
     expected.fps = clip.fps.value_or(plan.fps);
     expected.audio = clip.hasAudio && !settings.removeAudio;
     return expected;
 }
 
-ExpectedOutput expectedJoinedOutput(const QList<ClipItem>& clips, const BatchPlan& plan,
-                                    const EncodeSettings& settings)
+ExpectedOutput expectedJoinedOutput(const BatchPlan& plan, const EncodeSettings& settings, double partsDuration)
 {
     ExpectedOutput expected;
     expected.codec = settings.codec;
     expected.width = plan.width;
     expected.height = plan.height;
-    for (const ClipItem& clip : clips)
-        expected.duration += exportDuration(clip);
-    // A clip of unknown length makes the total unknown.
-    if (std::any_of(clips.begin(), clips.end(), [](const ClipItem& clip) { return exportDuration(clip) <= 0; }))
-        expected.duration = 0;
+    expected.duration = partsDuration;
     expected.fps = plan.fps;
     expected.audio = plan.normalization && plan.normalization->includeAudio;
     return expected;

@@ -40,13 +40,15 @@ ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const 
                              const std::optional<WatermarkOverlay>& watermark,
                              const EncodeSettings& settings);
 
-// What the clip's own output must hold once converted on its own: the
-// source's size made even, the export length, audio unless removed.
+// What a clip's converted file must hold: the export length; on its own, the
+// source's size made even and audio unless removed; as a part of a combined
+// batch, the normalization's size and audio.
 ExpectedOutput expectedClipOutput(const ClipItem& clip, const BatchPlan& plan, const EncodeSettings& settings);
 
 // What the joined file of a combined batch must hold: the normalization's
-// size and rate, the parts' lengths added up, audio when the parts carry it.
-ExpectedOutput expectedJoinedOutput(const QList<ClipItem>& clips, const BatchPlan& plan,
-                                    const EncodeSettings& settings);
+// size and audio, and the length of the parts as they were made (each part
+// is checked against its clip's length first; AAC frames make each a few
+// milliseconds longer, which would add up over many parts).
+ExpectedOutput expectedJoinedOutput(const BatchPlan& plan, const EncodeSettings& settings, double partsDuration);
 
 }  // namespace tavrelune
