@@ -313,9 +313,10 @@ private:
     double watermarkImageAspect() const;
     void applyProgress(int position, double fraction, int denominator);
     QString finalStatus(bool cancelled, bool stopped, bool combine) const;
-    // Between a conversion's end and its rename into place: throws when the
-    // written file is not a usable result.
-    QCoro::Task<void> checkFinishedOutput(QString path, std::stop_token stop);
+    // Between a conversion's end and its rename into place: probes the
+    // written file and throws when it is not what the export was to make;
+    // returns what the probe found.
+    QCoro::Task<MediaInfo> checkFinishedOutput(QString path, ExpectedOutput expected, std::stop_token stop);
     std::optional<QString> spaceShortageFor(const QString& outputFolder) const;
 
     // Published fields, in declaration order.

@@ -163,6 +163,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
     }
     QStringList parts;
     QStringList bakedCubes;  // removed when the batch ends
+    double partsDuration = 0;  // as probed
     bool stopped = false;
 
     for (int position = 0; position < plan.clipCount; ++position) {
@@ -208,10 +209,11 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
                     bakedCubes << *job.bakedCube;
             }
             co_await ffmpeg_.convertClip(job, onProgress, stop);
-            if (claim) {
-                co_await checkFinishedOutput(claim->temporaryPath(), stop);
+            const MediaInfo made =
+                co_await checkFinishedOutput(job.output, expectedClipOutput(clip, plan, settings_), stop);
+            partsDuration += made.duration;
+            if (claim)
                 claim->commit();
-            }
         } catch (...) {
             failure = std::current_exception();
         }
@@ -267,7 +269,8 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
             output = claim->finalPath();
             co_await ffmpeg_.concatenate(parts, claim->temporaryPath(), sum, settings_, plan.width,
                                          plan.height, onJoinProgress, stop);
-            co_await checkFinishedOutput(claim->temporaryPath(), stop);
+            co_await checkFinishedOutput(claim->temporaryPath(),
+                                         expectedJoinedOutput(plan, settings_, partsDuration), stop);
             claim->commit();
         } catch (...) {
             failure = std::current_exception();
@@ -308,14 +311,28 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
     finishTask();
 }
 
-QCoro::Task<void> AppModel::checkFinishedOutput(QString path, std::stop_token stop)
+QCoro::Task<MediaInfo> AppModel::checkFinishedOutput(QString path, ExpectedOutput expected, std::stop_token stop)
 {
-    // The engine has already refused an empty result. A stop that came as
-    // ffmpeg finished still counts: the user asked for no more files.
-    Q_UNUSED(path);
+    // A stop that came as ffmpeg finished still counts: the user asked for
+    // no more files.
     if (stop.stop_requested())
         throw FFmpegError::cancelled();
-    co_return;
+    MediaInfo probed;
+    try {
+        probed = co_await ffmpeg_.probe(path, stop);
+    } catch (const FFmpegError& error) {
+        if (error.kind() != FFmpegError::Kind::conversionFailed && error.kind() != FFmpegError::Kind::probeFailed)
+            throw;
+        // ffprobe refused the file: one line naming the check, not ffprobe's whole complaint.
+        const QString reason = error.payload().trimmed().section(QLatin1Char('\n'), -1);
+        throw FFmpegError::conversionFailed(QStringLiteral("Output check failed: the file cannot be read (")
+                                            + reason + QStringLiteral(")."));
+    }
+    if (stop.stop_requested())
+        throw FFmpegError::cancelled();
+    if (const auto mismatch = outputMismatch(expected, probed))
+        throw FFmpegError::conversionFailed(*mismatch);
+    co_return probed;
 }
 
 std::optional<QString> AppModel::matchedPreviewCube(const ClipItem& clip, bool write) const

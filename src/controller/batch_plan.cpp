@@ -74,4 +74,39 @@ ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const 
     return job;
 }
 
+ExpectedOutput expectedClipOutput(const ClipItem& clip, const BatchPlan& plan, const EncodeSettings& settings)
+{
+    ExpectedOutput expected;
+    expected.codec = settings.codec;
+    expected.duration = exportDuration(clip);
+    if (plan.normalization) {
+        // A part: fitted to the batch's size and rate; every part has audio or none does.
+        expected.width = plan.normalization->width;
+        expected.height = plan.normalization->height;
+        expected.fps = plan.normalization->fps;
+        expected.audio = plan.normalization->includeAudio;
+        return expected;
+    }
+    // The filter graph truncates each side to an even number.
+    if (clip.width && clip.height) {
+        expected.width = *clip.width - *clip.width % 2;
+        expected.height = *clip.height - *clip.height % 2;
+    }
+    expected.fps = clip.fps.value_or(plan.fps);
+    expected.audio = clip.hasAudio && !settings.removeAudio;
+    return expected;
+}
+
+ExpectedOutput expectedJoinedOutput(const BatchPlan& plan, const EncodeSettings& settings, double partsDuration)
+{
+    ExpectedOutput expected;
+    expected.codec = settings.codec;
+    expected.width = plan.width;
+    expected.height = plan.height;
+    expected.duration = partsDuration;
+    expected.fps = plan.fps;
+    expected.audio = plan.normalization && plan.normalization->includeAudio;
+    return expected;
+}
+
 }  // namespace tavrelune

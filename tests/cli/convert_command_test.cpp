@@ -34,7 +34,8 @@ struct CommandRun {
 // A private world for the command: its own home, runtime and cache folders,
 // no display, and an ffmpeg wrapper that logs each conversion's arguments
 // (one a line, a blank line after each) and its pid before running the real
-// one; conversions of inputs named fail.* fail as ffmpeg would. The wrapper
+// one; conversions of inputs named fail.* fail as ffmpeg would, and those of
+// inputs named short.* keep only their first 0.2 s. The wrapper
 // lists only the software encoders, so the encoder choice is the same on
 // every machine.
 class Sandbox {
@@ -48,6 +49,8 @@ public:
   printf 'Encoders:\n ------\n V....D libx264 H.264\n V....D libx265 HEVC\n'; exit 0;; esac
 case " $* " in *" -progress "*) printf '%s\n' "$@" '' >> "%1/calls"; echo $$ > "%1/pid";; esac
 case " $* " in *"/fail."*) echo "simulated encoder failure" >&2; exit 1;; esac
+case " $* " in *"/short."*) '%2' "$@" || exit; for last; do :; done
+  '%2' -v error -y -i "$last" -t 0.2 -c copy -f mp4 "$last.cut" && cat "$last.cut" > "$last"; rm -f "$last.cut"; exit;; esac
 exec '%2' "$@")sh").arg(file("log"), QStandardPaths::findExecutable("ffmpeg")));
         QFile::link(QStandardPaths::findExecutable("ffprobe"), folder.file("tools/ffprobe"));
     }
@@ -312,6 +315,18 @@ TEST(ConvertCommand, FailingClipEndsTheBatchWithStatusOne)
         << run.errLines.join('\n').toStdString();
     EXPECT_EQ(run.out, sandbox.file("out/a_graded.mp4") + "\n");
     EXPECT_EQ(sandbox.loggedConversions().size(), 2) << "c.mov is not attempted";
+}
+
+TEST(ConvertCommand, OutputFailingItsCheckIsReportedAndRemoved)
+{
+    Sandbox sandbox;
+    sandbox.clip("short.mov", {.audio = false});
+    const CommandRun run = sandbox.run({"--codec", "h264", "-o", sandbox.file("out"), "short.mov"});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.errLines.filter("tavrelune convert: short.mov: Output check failed: expected 1.0 s, the file holds 0.")
+                    .size() == 1)
+        << run.errLines.join('\n').toStdString();
+    EXPECT_TRUE(QDir(sandbox.file("out")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).isEmpty());
 }
 
 // Ctrl-C, the terminal closing and the reader of the output going away all

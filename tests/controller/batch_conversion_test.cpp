@@ -3,6 +3,7 @@
 #include "grading/preview_grader.h"
 #include "support/task_helpers.h"
 
+#include <QStandardPaths>
 #include <QTimer>
 
 using namespace tavrelune;
@@ -18,6 +19,20 @@ const char* const warmCube =
 double durationOf(const QString& path)
 {
     return probeEntry(path, "duration", "format").toDouble();
+}
+
+// An ffmpeg that does its work, then keeps only the first 0.2 s of what it
+// wrote (only when joining, if `joinOnly`), in the same file as ffmpeg
+// itself rewrites its output.
+QString shorteningFfmpeg(const QString& folder, bool joinOnly = false)
+{
+    const QString real = QStandardPaths::findExecutable("ffmpeg");
+    return writeFakeTool(folder, "ffmpeg",
+                         "\"" + real + "\" \"$@\" || exit $?\n"
+                         + (joinOnly ? "case \" $* \" in *\" concat \"*) ;; *) exit 0;; esac\n" : "")
+                         + "for last; do :; done\n"
+                         "\"" + real + "\" -nostdin -v error -y -i \"$last\" -t 0.2 -c copy -f mp4 \"$last.cut\" "
+                         "&& cat \"$last.cut\" > \"$last\" && rm \"$last.cut\"");
 }
 
 }  // namespace
@@ -367,4 +382,36 @@ TEST_F(ControllerTest, PreviewMatchedBatchBakesOneTablePerGradeAndRemovesThem)
     convert();
     EXPECT_EQ(clipAt(0).status, ClipStatus::failed);
     EXPECT_TRUE(model->errorMessage().contains("other.3dl")) << model->errorMessage().toStdString();
+}
+
+TEST_F(ControllerTest, AnOutputShorterThanItsClipFailsAndIsRemoved)
+{
+    useToolsIn(shorteningFfmpeg(root.file("tools")));
+    addAndProbe({clip("a.mov", {.seconds = 1.0}), clip("b.mov", {.seconds = 1.0})});
+    convert();
+    // Cut by stream copy, the file ends at a packet boundary near 0.2 s.
+    const std::string message = model->errorMessage().toStdString();
+    EXPECT_TRUE(message.starts_with("Output check failed: expected 1.0 s, the file holds 0.")) << message;
+    EXPECT_EQ(clipAt(0).status, ClipStatus::failed);
+    EXPECT_EQ(clipAt(0).errorMessage.value_or("").toStdString(), message);
+    EXPECT_EQ(clipAt(1).status, ClipStatus::ready) << "the batch stops";
+    EXPECT_TRUE(outputEntries().isEmpty()) << "neither the file nor its claim is left: "
+                                          << outputEntries().join(", ").toStdString();
+}
+
+TEST_F(ControllerTest, AJoinedFileShorterThanItsPartsFailsAndIsRemoved)
+{
+    useToolsIn(shorteningFfmpeg(root.file("tools"), true));
+    addAndProbe({clip("a.mov", {.seconds = 1.0}), clip("b.mov", {.seconds = 1.0})});
+    EncodeSettings settings = model->settings();
+    settings.concatenateClips = true;
+    model->setSettings(settings);
+    convert();
+    const std::string message = model->errorMessage().toStdString();
+    // The parts as made, each a little over its clip's 1.0 s.
+    EXPECT_TRUE(message.starts_with("Output check failed: expected 2.0 s, the file holds 0.")) << message;
+    EXPECT_EQ(clipAt(1).status, ClipStatus::failed);
+    EXPECT_EQ(clipAt(1).errorMessage.value_or("").toStdString(), message);
+    EXPECT_TRUE(outputEntries().isEmpty()) << "no joined file, parts or claims left: "
+                                          << outputEntries().join(", ").toStdString();
 }
