@@ -201,8 +201,8 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
                 claim = OutputClaim::claim(chooseName, workspace_);
                 output = claim->finalPath();
             }
-            ClipConversion job = conversionFor(clip, plan, claim ? claim->temporaryPath() : output,
-                                                     lutPath, watermark, settings_);
+            ClipConversion job = conversionFor(clip, plan, claim ? claim->temporaryPath() : output, lutPath,
+                                               watermark, settings_);
             if (job.settings.matchPreview) {
                 job.bakedCube = matchedPreviewCube(clip, true);
                 if (job.bakedCube && !bakedCubes.contains(*job.bakedCube))

@@ -140,9 +140,6 @@ QWidget* TrimEditorView::makeStage()
     const QColor muted(0x9a, 0x9a, 0x9a);
 
     auto* playerPage = new QWidget;
-    // A native window of its own, as the main preview's stage: each new frame
-    // then recomposites only this page, not the whole window.
-    playerPage->setAttribute(Qt::WA_NativeWindow);
     auto* framed = new QVBoxLayout(playerPage);
     framed->setContentsMargins(16, 16, 16, 16);
     playerView_ = new PlayerLayerView(&model_.trimPlayer());

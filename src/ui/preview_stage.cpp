@@ -53,11 +53,6 @@ PreviewStage::PreviewStage(AppModel& model, QWidget* parent) : QWidget(parent), 
     setBackgroundRole(QPalette::Window);
     setAutoFillBackground(true);
     setMinimumHeight(120);
-    // The stage is a window of its own to the window system: a live OpenGL
-    // view makes Qt recomposite its whole native window on every frame, and
-    // without a software GPU that costs about three times as much for the
-    // full main window as for the stage alone.
-    setAttribute(Qt::WA_NativeWindow);
 
     live_ = new GradedPreviewView(&model_.previewPlayer(), false, this);
     live_->setObjectName(QStringLiteral("liveView"));

@@ -14,6 +14,7 @@
 #include "preview/player_layer_view.h"
 #include "trim/trim_editor_view.h"
 #include "trim/trim_timeline_view.h"
+#include "ui/inspector.h"
 #include "ui/main_window.h"
 #include "ui/preview_pane.h"
 #include "ui/preview_stage.h"
@@ -24,6 +25,7 @@
 #include <QElapsedTimer>
 #include <QPainter>
 #include <QScreen>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
@@ -187,6 +189,14 @@ int main(int argc, char** argv)
     settle(1500);
     save(window.grab(), shots, "2-batch.png");
 
+    // The inspector scrolled to its end: the export settings, the size
+    // forecast and the convert button.
+    QScrollBar* inspectorScroll = window.inspector()->verticalScrollBar();
+    inspectorScroll->setValue(inspectorScroll->maximum());
+    settle(300);
+    save(window.grab(), shots, "2b-export-settings.png");
+    inspectorScroll->setValue(0);
+
     // Converting: the first clip done, the second under way; the third is
     // shown failed (a real batch stops at its first failure, so that row is
     // set directly to show how a failure looks beside a running batch).
@@ -230,8 +240,13 @@ int main(int argc, char** argv)
     for (int step = 1; step <= 5; ++step)
         QTest::mouseMove(&placement, grip - QPoint(24, 12) * step);
     QTest::mouseRelease(&placement, Qt::LeftButton, {}, grip - QPoint(120, 60));
+    // From the start, so the 4 s clip is still playing when taken.
+    model.beginScrubbing();
+    model.updatePreviewTime(0.5);
+    model.endScrubbing();
+    settle(300);
     model.startPlayback();
-    settle(1500);
+    settle(1000);
     save(window.grab(), shots, "7-playing-graded.png");
 
     // The same frame held on the original: pressed away from the watermark.
