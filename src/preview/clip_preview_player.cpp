@@ -167,6 +167,11 @@ std::shared_ptr<const VideoFrame> ClipPreviewPlayer::latestFrame() const
     return renderer_ ? renderer_->latest() : nullptr;
 }
 
+std::vector<std::shared_ptr<const VideoFrame>> ClipPreviewPlayer::framesAfter(std::uint64_t sequence) const
+{
+    return renderer_ ? renderer_->framesAfter(sequence) : std::vector<std::shared_ptr<const VideoFrame>>{};
+}
+
 void ClipPreviewPlayer::setStatistics(std::shared_ptr<FrameStatistics> statistics)
 {
     statistics_ = std::move(statistics);

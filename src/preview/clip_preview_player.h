@@ -3,7 +3,8 @@
 // or without tolerance, reports the position and the end of the clip, and
 // renders decoded frames for the views (see VideoFrameView).
 //
-// Threading: main thread only, except `latestFrame()` and `grade()`, which
+// Threading: main thread only, except `latestFrame()`, `framesAfter()` and
+// `grade()`, which
 // the views' worker threads read. mpv's own callbacks only queue work onto
 // the main thread; its events are drained there, so `onTime`, `onEnded`
 // and the signals all arrive on the main thread.
@@ -93,6 +94,9 @@ public:
 
     // The newest frame of the loaded clip; none before its first frame.
     std::shared_ptr<const VideoFrame> latestFrame() const;
+    // The last few frames newer than `sequence`, oldest first; only the
+    // newest for 0 (see FrameQueue::after).
+    std::vector<std::shared_ptr<const VideoFrame>> framesAfter(std::uint64_t sequence) const;
     void setStatistics(std::shared_ptr<FrameStatistics> statistics);
     PlaybackCounters counters() const;
 
@@ -108,7 +112,7 @@ public:
 Q_SIGNALS:
     void loadIDChanged(const QUuid& loadID);
     // A new frame is in `latestFrame()` (coalesced: one signal may stand for
-    // several frames).
+    // several frames, which `framesAfter` still has).
     void frameAvailable();
 
 private:

@@ -26,7 +26,11 @@ void FrameGrader::submit(std::shared_ptr<const VideoFrame> frame, std::shared_pt
         return;
     {
         std::lock_guard guard(lock_);
-        waiting_ = Work{std::move(frame), std::move(grade)};
+        if (!waiting_.empty() && waiting_.back().frame->sequence == frame->sequence)
+            waiting_.pop_back();
+        waiting_.push_back(Work{std::move(frame), std::move(grade)});
+        while (waiting_.size() > FrameQueue::defaultCapacity)
+            waiting_.pop_front();
     }
     wake_.notify_one();
 }
@@ -34,15 +38,18 @@ void FrameGrader::submit(std::shared_ptr<const VideoFrame> frame, std::shared_pt
 void FrameGrader::clear()
 {
     std::lock_guard guard(lock_);
-    waiting_.reset();
-    result_.reset();
+    waiting_.clear();
+    results_.clear();
     ++generation_;
 }
 
-std::shared_ptr<const VideoFrame> FrameGrader::result() const
+std::vector<std::shared_ptr<const VideoFrame>> FrameGrader::takeResults()
 {
     std::lock_guard guard(lock_);
-    return result_;
+    std::vector<std::shared_ptr<const VideoFrame>> taken;
+    while (!results_.empty())
+        taken.push_back(results_.pop());
+    return taken;
 }
 
 void FrameGrader::setStatistics(std::shared_ptr<FrameStatistics> statistics)
@@ -55,10 +62,11 @@ void FrameGrader::run()
 {
     std::unique_lock guard(lock_);
     for (;;) {
-        wake_.wait(guard, [this] { return waiting_.has_value() || stopping_; });
+        wake_.wait(guard, [this] { return !waiting_.empty() || stopping_; });
         if (stopping_)
             return;
-        const Work work = *std::exchange(waiting_, std::nullopt);
+        const Work work = std::move(waiting_.front());
+        waiting_.pop_front();
         const std::uint64_t generation = generation_;
         const std::shared_ptr<FrameStatistics> statistics = statistics_;
         guard.unlock();
@@ -66,7 +74,7 @@ void FrameGrader::run()
         guard.lock();
         if (generation != generation_)
             continue;  // cleared meanwhile
-        result_ = std::move(graded);
+        results_.push(std::move(graded));
         guard.unlock();
         if (onReady_)
             onReady_();

@@ -1,13 +1,15 @@
 // Grades a live view's frames on a thread of its own, so that the GUI thread
 // never waits for a grade.
 //
-// Work is "newest wins": a frame submitted while another is being graded
-// replaces any frame still waiting, so a slow grade drops frames instead of
-// falling behind. The grade is read with GradeState::snapshot() when the
+// Work is taken in order, a few frames at most waiting (see frame_queue.h):
+// a short stall skips nothing, a grade slower than the footage drops the
+// oldest frames instead of falling behind, and the same frame submitted
+// again (a regrade while paused) replaces its waiting copy, so only the
+// newest grade is done. Results wait the same way until taken. The grade is read with GradeState::snapshot() when the
 // work starts; a frame submitted without a grade state, or whose snapshot
 // has `bypass` set, passes through unchanged (no copy).
 //
-// Threading: `submit`, `clear` and `result` from any thread; `onReady` runs
+// Threading: `submit`, `clear` and `takeResults` from any thread; `onReady` runs
 // on the grading thread after each new result and must only hand the news
 // on. The GradeFilterEngine is this object's alone and used only on its
 // thread. Destroying the grader waits for the grade under way.
@@ -15,10 +17,12 @@
 
 #include "grading/grade_filter_engine.h"
 #include "grading/grade_state.h"
+#include "preview/frame_queue.h"
 #include "preview/frame_statistics.h"
 #include "preview/video_frame.h"
 
 #include <condition_variable>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -35,9 +39,10 @@ public:
     FrameGrader& operator=(const FrameGrader&) = delete;
 
     void submit(std::shared_ptr<const VideoFrame> frame, std::shared_ptr<const GradeState> grade);
-    // Drops waiting work and the last result; a grade under way is discarded.
+    // Drops waiting work and results; a grade under way is discarded.
     void clear();
-    std::shared_ptr<const VideoFrame> result() const;
+    // The results not taken yet, oldest first.
+    std::vector<std::shared_ptr<const VideoFrame>> takeResults();
     void setStatistics(std::shared_ptr<FrameStatistics> statistics);
 
 private:
@@ -55,10 +60,10 @@ private:
 
     mutable std::mutex lock_;
     std::condition_variable wake_;
-    std::optional<Work> waiting_;
+    std::deque<Work> waiting_;
     std::uint64_t generation_ = 0;
     bool stopping_ = false;
-    std::shared_ptr<const VideoFrame> result_;
+    FrameQueue results_;
     std::shared_ptr<FrameStatistics> statistics_;
     std::thread thread_;
 };

@@ -11,7 +11,8 @@ GradedPreviewView::GradedPreviewView(ClipPreviewPlayer* player, bool compareOrig
         if (!resultQueued_.exchange(true))
             QMetaObject::invokeMethod(this, [this] {
                 resultQueued_ = false;
-                present(grader_->result());
+                for (std::shared_ptr<const VideoFrame>& result : grader_->takeResults())
+                    present(std::move(result));
             }, Qt::QueuedConnection);
     });
     setPlayer(player);

@@ -54,7 +54,7 @@ void SwFrameRenderer::beginContent(QSize frameSize)
     size_ = frameSize.isValid() && !frameSize.isEmpty() ? frameSize : QSize(16, 16);
     publishing_ = true;
     ++generation_;
-    latest_.reset();
+    recent_.clear();
 }
 
 void SwFrameRenderer::endContent()
@@ -62,13 +62,19 @@ void SwFrameRenderer::endContent()
     std::lock_guard guard(lock_);
     publishing_ = false;
     ++generation_;
-    latest_.reset();
+    recent_.clear();
 }
 
 std::shared_ptr<const VideoFrame> SwFrameRenderer::latest() const
 {
     std::lock_guard guard(lock_);
-    return latest_;
+    return recent_.newest();
+}
+
+std::vector<std::shared_ptr<const VideoFrame>> SwFrameRenderer::framesAfter(std::uint64_t sequence) const
+{
+    std::lock_guard guard(lock_);
+    return recent_.after(sequence);
 }
 
 bool SwFrameRenderer::isPublishing() const
@@ -147,7 +153,7 @@ void SwFrameRenderer::renderOnce()
         std::lock_guard guard(lock_);
         if (generation != generation_)
             return;  // a clip change came while rendering
-        latest_ = std::move(frame);
+        recent_.push(std::move(frame));
     }
     if (onFrame_)
         onFrame_();

@@ -1,8 +1,9 @@
 // Pulls video frames out of one mpv core with the software render API, on a
-// thread of its own, and keeps the newest one for the views.
+// thread of its own, and keeps the newest few for the views (see
+// frame_queue.h).
 //
 // Threading: constructed and destroyed on the main thread; `beginContent`,
-// `endContent` and `latest` may be called from any thread. The render thread
+// `endContent`, `latest` and `framesAfter` may be called from any thread. The render thread
 // only calls mpv_render_* functions and never waits for another thread, as
 // mpv requires; mpv's update callback only wakes it. `onFrame` runs on the
 // render thread after each published frame and must only hand the news on.
@@ -15,6 +16,7 @@
 // Ownership: owned by the player; it must be destroyed before the mpv core.
 #pragma once
 
+#include "preview/frame_queue.h"
 #include "preview/frame_statistics.h"
 #include "preview/video_frame.h"
 
@@ -41,6 +43,8 @@ public:
     void beginContent(QSize frameSize);
     void endContent();
     std::shared_ptr<const VideoFrame> latest() const;
+    // The kept frames newer than `sequence`, oldest first (see FrameQueue::after).
+    std::vector<std::shared_ptr<const VideoFrame>> framesAfter(std::uint64_t sequence) const;
     // Between beginContent and endContent.
     bool isPublishing() const;
     void setStatistics(std::shared_ptr<FrameStatistics> statistics);
@@ -63,7 +67,7 @@ private:
     QSize size_{16, 16};
     bool publishing_ = false;
     std::uint64_t generation_ = 0;
-    std::shared_ptr<const VideoFrame> latest_;
+    FrameQueue recent_;
     std::shared_ptr<FrameStatistics> statistics_;
 
     std::thread thread_;

@@ -59,7 +59,7 @@ public:
     std::shared_ptr<VideoFrame> acquire(int width, int height);
 
 private:
-    static constexpr std::size_t kept = 4;
+    static constexpr std::size_t kept = 8;
     std::vector<std::shared_ptr<VideoFrame>> frames_;
 };
 

@@ -50,12 +50,11 @@ void main()
 const GLfloat corners[] = {-1, -1, 1, -1, -1, 1, 1, 1};
 const GLfloat textureCorners[] = {0, 1, 1, 1, 0, 0, 1, 0};
 
-constexpr qint64 repaintIntervalNs = 1'000'000'000 / VideoFrameView::maximumRedrawsPerSecond;
-
 }  // namespace
 
 VideoFrameView::VideoFrameView(QWidget* parent) : QOpenGLWidget(parent)
 {
+    clock_.start();
     repaintTimer_.setSingleShot(true);
     repaintTimer_.setTimerType(Qt::PreciseTimer);
     connect(&repaintTimer_, &QTimer::timeout, this, [this] { update(); });
@@ -106,16 +105,20 @@ void VideoFrameView::pullFrame()
 {
     if (!player_)
         return;
-    std::shared_ptr<const VideoFrame> frame = player_->latestFrame();
-    if (!frame || frame == pulled_)
-        return;
-    pulled_ = frame;
-    frameArrived(std::move(frame));
+    for (std::shared_ptr<const VideoFrame>& frame : player_->framesAfter(pulled_ ? pulled_->sequence : 0)) {
+        pulled_ = frame;
+        frameArrived(std::move(frame));
+    }
 }
 
 void VideoFrameView::present(std::shared_ptr<const VideoFrame> picture)
 {
-    picture_ = std::move(picture);
+    if (picture) {
+        waiting_.push(std::move(picture));
+    } else {
+        waiting_.clear();
+        picture_.reset();
+    }
     scheduleRepaint();
 }
 
@@ -123,11 +126,11 @@ void VideoFrameView::scheduleRepaint()
 {
     if (repaintTimer_.isActive())
         return;
-    const qint64 since = sinceRepaint_.isValid() ? sinceRepaint_.nsecsElapsed() : repaintIntervalNs;
-    if (since >= repaintIntervalNs)
+    const qint64 delay = pacer_.delayNs(clock_.nsecsElapsed());
+    if (delay == 0)
         update();
     else
-        repaintTimer_.start(static_cast<int>((repaintIntervalNs - since + 999'999) / 1'000'000));
+        repaintTimer_.start(static_cast<int>((delay + 999'999) / 1'000'000));
 }
 
 QRect VideoFrameView::fittedRect(QSize picture, QSize target)
@@ -203,7 +206,7 @@ void VideoFrameView::upload(const VideoFrame& picture)
 
 void VideoFrameView::paintGL()
 {
-    sinceRepaint_.restart();
+    pacer_.redrew(clock_.nsecsElapsed());
     const qreal ratio = devicePixelRatioF();
     const QSize target(static_cast<int>(std::lround(width() * ratio)),
                        static_cast<int>(std::lround(height() * ratio)));
@@ -213,6 +216,11 @@ void VideoFrameView::paintGL()
     glViewport(0, 0, target.width(), target.height());
     glClearColor(0, 0, 0, 1);
     glClear(GL_COLOR_BUFFER_BIT);
+    if (!waiting_.empty()) {
+        picture_ = waiting_.pop();
+        if (!waiting_.empty())
+            scheduleRepaint();
+    }
     const std::shared_ptr<const VideoFrame> picture = picture_;
     if (!picture || !program_ || !program_->isLinked())
         return;

@@ -1,8 +1,10 @@
 // The drawing surface shared by the preview views: shows a player's frames
 // fitted and centred on black, through OpenGL.
 //
-// The view follows its player: a new frame (the player's frameAvailable) is
-// handed to the subclass, which decides what picture to present; a new
+// The view follows its player: each new frame (the player's frameAvailable),
+// in order, is handed to the subclass, which decides what picture to
+// present; presented pictures are drawn in order, a few at most waiting
+// (see frame_queue.h), so a short stall of the GUI thread skips none. A new
 // `loadID` drops the previous clip's picture, so the view is black until the
 // new clip's first frame. Pictures are uploaded into one kept texture (only
 // reallocated when the size changes) and redrawn at most 60 times a second,
@@ -13,7 +15,9 @@
 #pragma once
 
 #include "preview/clip_preview_player.h"
+#include "preview/frame_queue.h"
 #include "preview/frame_statistics.h"
+#include "preview/redraw_pacer.h"
 #include "preview/video_frame.h"
 
 #include <QElapsedTimer>
@@ -59,9 +63,10 @@ protected:
     virtual void contentCleared() {}
     virtual void playerAttached(ClipPreviewPlayer* player) { Q_UNUSED(player); }
 
-    // The picture to draw from now on (none: black); redraws soon.
+    // The next picture to draw (none: black at once, dropping any waiting);
+    // redraws soon.
     void present(std::shared_ptr<const VideoFrame> picture);
-    // Takes the player's newest frame if it is new to this view.
+    // Takes the player's frames that are new to this view.
     void pullFrame();
     const std::shared_ptr<FrameStatistics>& statistics() const { return statistics_; }
 
@@ -79,7 +84,8 @@ private:
     QMetaObject::Connection frameConnection_;
     QUuid currentLoadID_ = QUuid::createUuid();
     std::shared_ptr<const VideoFrame> pulled_;
-    std::shared_ptr<const VideoFrame> picture_;
+    std::shared_ptr<const VideoFrame> picture_;  // drawn now
+    FrameQueue waiting_;                         // to draw next, oldest first
     // Held while in the texture, so its buffer cannot be reused meanwhile
     // and a pointer comparison tells whether the texture is current.
     std::shared_ptr<const VideoFrame> uploaded_;
@@ -89,7 +95,8 @@ private:
     GLuint texture_ = 0;
     QSize textureSize_;
     std::unique_ptr<QOpenGLShaderProgram> program_;
-    QElapsedTimer sinceRepaint_;
+    QElapsedTimer clock_;
+    RedrawPacer pacer_{maximumRedrawsPerSecond};
     QTimer repaintTimer_;
 };
 
