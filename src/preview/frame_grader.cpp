@@ -28,9 +28,9 @@ void FrameGrader::submit(std::shared_ptr<const VideoFrame> frame, std::shared_pt
         std::lock_guard guard(lock_);
         if (!waiting_.empty() && waiting_.back().frame->sequence == frame->sequence)
             waiting_.pop_back();
+        else if (waiting_.size() >= FrameQueue::defaultCapacity)
+            waiting_.clear();  // behind for good: on with the newest
         waiting_.push_back(Work{std::move(frame), std::move(grade)});
-        while (waiting_.size() > FrameQueue::defaultCapacity)
-            waiting_.pop_front();
     }
     wake_.notify_one();
 }

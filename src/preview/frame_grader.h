@@ -2,8 +2,8 @@
 // never waits for a grade.
 //
 // Work is taken in order, a few frames at most waiting (see frame_queue.h):
-// a short stall skips nothing, a grade slower than the footage drops the
-// oldest frames instead of falling behind, and the same frame submitted
+// a short stall skips nothing, a grade slower than the footage skips to the
+// newest frame instead of falling behind, and the same frame submitted
 // again (a regrade while paused) replaces its waiting copy, so only the
 // newest grade is done. Results wait the same way until taken. The grade is read with GradeState::snapshot() when the
 // work starts; a frame submitted without a grade state, or whose snapshot
@@ -63,7 +63,7 @@ private:
     std::deque<Work> waiting_;
     std::uint64_t generation_ = 0;
     bool stopping_ = false;
-    FrameQueue results_;
+    FrameQueue results_{FrameQueue::Overflow::keepNewest};
     std::shared_ptr<FrameStatistics> statistics_;
     std::thread thread_;
 };

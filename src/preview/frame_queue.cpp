@@ -4,7 +4,10 @@
 
 namespace tavrelune {
 
-FrameQueue::FrameQueue(std::size_t capacity) : capacity_(std::max<std::size_t>(capacity, 1)) {}
+FrameQueue::FrameQueue(Overflow overflow, std::size_t capacity)
+    : overflow_(overflow), capacity_(std::max<std::size_t>(capacity, 1))
+{
+}
 
 void FrameQueue::push(std::shared_ptr<const VideoFrame> frame)
 {
@@ -14,6 +17,8 @@ void FrameQueue::push(std::shared_ptr<const VideoFrame> frame)
         frames_.back() = std::move(frame);
         return;
     }
+    if (frames_.size() >= capacity_ && overflow_ == Overflow::keepNewest)
+        frames_.clear();
     frames_.push_back(std::move(frame));
     while (frames_.size() > capacity_)
         frames_.pop_front();

@@ -7,6 +7,12 @@
 // picture; a consumer that stays behind still sees frames no older than the
 // capacity allows.
 //
+// When a frame comes with the queue full, the consumer is behind for longer
+// than a hiccup: a history (`Overflow::dropOldest`) forgets its oldest
+// frame, a queue to the screen (`Overflow::keepNewest`) forgets the whole
+// backlog, so a slow machine shows the newest frame rather than lagging
+// the sound by the whole queue.
+//
 // A frame with the sequence number of the newest one replaces it: that is
 // the same picture again (a regrade of a paused frame), and only the newest
 // grade of it matters.
@@ -26,7 +32,8 @@ namespace tavrelune {
 class FrameQueue {
 public:
     static constexpr std::size_t defaultCapacity = 3;
-    explicit FrameQueue(std::size_t capacity = defaultCapacity);
+    enum class Overflow { dropOldest, keepNewest };
+    explicit FrameQueue(Overflow overflow, std::size_t capacity = defaultCapacity);
 
     void push(std::shared_ptr<const VideoFrame> frame);
     // The oldest frame, removed; none when empty.
@@ -40,6 +47,7 @@ public:
     void clear() { frames_.clear(); }
 
 private:
+    Overflow overflow_;
     std::size_t capacity_;
     std::deque<std::shared_ptr<const VideoFrame>> frames_;
 };

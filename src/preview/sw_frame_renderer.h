@@ -67,7 +67,7 @@ private:
     QSize size_{16, 16};
     bool publishing_ = false;
     std::uint64_t generation_ = 0;
-    FrameQueue recent_;
+    FrameQueue recent_{FrameQueue::Overflow::dropOldest};
     std::shared_ptr<FrameStatistics> statistics_;
 
     std::thread thread_;

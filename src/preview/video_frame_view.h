@@ -85,7 +85,7 @@ private:
     QUuid currentLoadID_ = QUuid::createUuid();
     std::shared_ptr<const VideoFrame> pulled_;
     std::shared_ptr<const VideoFrame> picture_;  // drawn now
-    FrameQueue waiting_;                         // to draw next, oldest first
+    FrameQueue waiting_{FrameQueue::Overflow::keepNewest};  // to draw next, oldest first
     // Held while in the texture, so its buffer cannot be reused meanwhile
     // and a pointer comparison tells whether the texture is current.
     std::shared_ptr<const VideoFrame> uploaded_;

@@ -23,9 +23,9 @@ std::vector<std::uint64_t> sequences(const std::vector<std::shared_ptr<const Vid
 
 }  // namespace
 
-TEST(FrameQueue, KeepsTheNewestFewInOrderAndHandsOutWhatIsNew)
+TEST(FrameQueue, HistoryKeepsTheNewestFewInOrderAndHandsOutWhatIsNew)
 {
-    FrameQueue queue(3);
+    FrameQueue queue(FrameQueue::Overflow::dropOldest, 3);
     for (std::uint64_t sequence = 1; sequence <= 5; ++sequence)
         queue.push(frame(sequence));
     EXPECT_EQ(sequences(queue.after(3)), (std::vector<std::uint64_t>{4, 5}));
@@ -37,9 +37,20 @@ TEST(FrameQueue, KeepsTheNewestFewInOrderAndHandsOutWhatIsNew)
     EXPECT_EQ(queue.size(), 2u);
 }
 
+TEST(FrameQueue, QueueToTheScreenSkipsToTheNewestWhenItOverflows)
+{
+    FrameQueue queue(FrameQueue::Overflow::keepNewest, 3);
+    for (std::uint64_t sequence = 1; sequence <= 3; ++sequence)
+        queue.push(frame(sequence));
+    EXPECT_EQ(queue.size(), 3u);  // a hiccup's worth waits in order
+    queue.push(frame(4));
+    ASSERT_EQ(queue.size(), 1u);
+    EXPECT_EQ(queue.pop()->sequence, 4u);
+}
+
 TEST(FrameQueue, TheSamePictureAgainReplacesItsWaitingCopy)
 {
-    FrameQueue queue;
+    FrameQueue queue(FrameQueue::Overflow::keepNewest);
     const auto first = frame(7);
     const auto regraded = frame(7);
     queue.push(frame(6));
