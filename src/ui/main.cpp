@@ -2,8 +2,10 @@
 // desktop window opens.
 #include "cli/argument_names.h"
 #include "cli/commands.h"
+#include "cli/interrupt_watcher.h"
 
 #include <QGuiApplication>
+#include <csignal>
 #include <cstdio>
 
 #ifdef TAVRELUNE_HAS_GUI
@@ -74,6 +76,14 @@ int main(int argc, char** argv)
     QApplication::setApplicationVersion(TAVRELUNE_VERSION);
     QGuiApplication::setDesktopFileName("tavrelune");
     QApplication::setWindowIcon(tavrelune::ui::icons::application());
+    // Asked to end (logout, kill, the terminal closing), the window closes
+    // the orderly way: a running conversion is stopped and its unfinished
+    // files removed, and the working files go, as when quitting from the
+    // menu. A closed standard output is no reason to quit.
+    tavrelune::cli::InterruptWatcher interrupts;
+    std::signal(SIGPIPE, SIG_IGN);
+    QObject::connect(&interrupts, &tavrelune::cli::InterruptWatcher::interruptReceived, &app,
+                     [&interrupts] { QApplication::exit(interrupts.exitStatus()); });
     // The controller is made before the window and outlives it.
     tavrelune::AppModel model;
     tavrelune::ui::MainWindow window(model);
