@@ -74,7 +74,7 @@ cpu() {
     | tail -1 | awk '{print $1 + $2}'
 }
 matched_graph=$(graph --match-preview)
-chain_graph=$(graph)
+chain_graph=$(graph --filter-chain)
 # The dry run points into the working folder (a run folder or its stand-in);
 # the timed run left the baked table (same grade, same name) in $work, and
 # the chain reads a staged copy.

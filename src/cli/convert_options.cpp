@@ -39,7 +39,10 @@ QString convertHelpText()
         "                            Quality preset (default: high)\n"
         "  --remove-audio            Leave the audio out\n"
         "  --combine                 Join all clips, in order, into one video\n"
-        "  --match-preview           Make the files look exactly like the preview (faster, too)\n"
+        "  --filter-chain            Grade with ffmpeg's own filters instead of the\n"
+        "                            preview's grade baked into one table (the default,\n"
+        "                            which makes the files look exactly like the preview)\n"
+        "  --match-preview           The default: the preview's grade, exactly\n"
         "  --exposure E              Exposure change in stops, -3 to 3, for every clip\n"
         "                            (default 0)\n"
         "  --contrast C              Contrast factor, 0.5 to 2, for every clip (default 1)\n"
@@ -74,6 +77,7 @@ ConvertOptions parseConvertOptions(const QStringList& arguments)
     const QCommandLineOption removeAudio("remove-audio", "");
     const QCommandLineOption combine("combine", "");
     const QCommandLineOption matchPreview("match-preview", "");
+    const QCommandLineOption filterChain("filter-chain", "");
     const QCommandLineOption job("job", "", "FILE");
     const QCommandLineOption dryRun("dry-run", "");
     ConvertOptions options;
@@ -87,7 +91,7 @@ ConvertOptions parseConvertOptions(const QStringList& arguments)
         {QCommandLineOption("watermark-width", "", "W"), &options.watermark.widthFraction},
         {QCommandLineOption("watermark-opacity", "", "A"), &options.watermark.opacity},
     };
-    parser.addOptions({help, output, codec, quality, removeAudio, combine, matchPreview, job, dryRun});
+    parser.addOptions({help, output, codec, quality, removeAudio, combine, matchPreview, filterChain, job, dryRun});
     for (const auto& number : numbers)
         parser.addOption(number.option);
     if (!parser.parse(QStringList{"convert"} + arguments))
@@ -111,8 +115,12 @@ ConvertOptions parseConvertOptions(const QStringList& arguments)
         options.settings.removeAudio = true;
     if (parser.isSet(combine))
         options.settings.concatenateClips = true;
+    if (parser.isSet(matchPreview) && parser.isSet(filterChain))
+        throw UsageError{QStringLiteral("--filter-chain and --match-preview cannot be used together")};
     if (parser.isSet(matchPreview))
         options.settings.matchPreview = true;
+    if (parser.isSet(filterChain))
+        options.settings.matchPreview = false;
     if (parser.isSet(output)) {
         if (parser.value(output).isEmpty())
             throw UsageError{QStringLiteral("--output: the folder name is empty")};

@@ -291,7 +291,7 @@ private:
 
     QCoro::Task<void> probePendingClips();
     QCoro::Task<void> detectEncodersInBackground();
-    QCoro::Task<void> runPreviewLoad(QUuid clipID, QUrl url, bool autoplay);
+    QCoro::Task<void> runPreviewLoad(QUuid clipID, QUrl url, ColorTags colour, bool autoplay);
     QCoro::Task<void> runFrameExtract(QUuid clipID, QUrl url, double duration, double fraction, bool force,
                                       std::stop_token stop);
     QCoro::Task<void> extractSourceFrame(QUuid clipID, QUrl url, double duration, double fraction, bool force,
@@ -307,6 +307,12 @@ private:
     // `write`, else only named); none when the clip needs no table. Throws
     // when the chosen LUT could not be read for the preview.
     std::optional<QString> matchedPreviewCube(const ClipItem& clip, bool write) const;
+    // A LUT is chosen that the preview could not read: matched exports fall
+    // back to the filter chain.
+    bool previewLacksLUT() const;
+    // The job's export mode, baked grade and delivery table; files are
+    // written (and listed in `written`) only when `written` is given.
+    void prepareColour(ClipConversion& job, const ClipItem& clip, QStringList* written) const;
     WatermarkOverlay preparedWatermarkOverlay();
     std::optional<WatermarkOverlay> preparedExportWatermark();
     WatermarkOverlay overlayFor(const QString& imagePath) const;
@@ -366,6 +372,7 @@ private:
     QString workingFolder_;
     std::optional<RunFolder> runFolder_;
     QString workspace_;  // the run folder's path
+    ColorTags previewColour_;  // the tags the selected clip's preview was loaded with
     std::function<QDateTime()> now_;
     FreeSpaceQuery freeSpace_;
     DesktopServices* desktop_ = nullptr;

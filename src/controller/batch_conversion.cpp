@@ -7,6 +7,8 @@
 #include "grading/cube_writer.h"
 #include "model/media_type.h"
 #include "grading/baked_cube.h"
+#include "grading/delivery_table.h"
+#include "model/delivery_conversion.h"
 
 #include <QDir>
 #include <QFile>
@@ -162,7 +164,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         }
     }
     QStringList parts;
-    QStringList bakedCubes;  // removed when the batch ends
+    QStringList colourTables;  // removed when the batch ends
     double partsDuration = 0;  // as probed
     bool stopped = false;
 
@@ -203,11 +205,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
             }
             ClipConversion job = conversionFor(clip, plan, claim ? claim->temporaryPath() : output, lutPath,
                                                watermark, settings_);
-            if (job.settings.matchPreview) {
-                job.bakedCube = matchedPreviewCube(clip, true);
-                if (job.bakedCube && !bakedCubes.contains(*job.bakedCube))
-                    bakedCubes << *job.bakedCube;
-            }
+            prepareColour(job, clip, &colourTables);
             co_await ffmpeg_.convertClip(job, onProgress, stop);
             const MediaInfo made =
                 co_await checkFinishedOutput(job.output, expectedClipOutput(clip, plan, settings_), stop);
@@ -305,9 +303,13 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
 
     setIsConverting(false);
     partsFolder.reset();  // removes the parts
-    setStatusMessage(finalStatus(stop.stop_requested(), stopped, plan.combine));
-    for (const QString& cube : bakedCubes)
-        QFile::remove(cube);
+    QString status = finalStatus(stop.stop_requested(), stopped, plan.combine);
+    if (settings_.matchPreview && previewLacksLUT())
+        status += QStringLiteral(" The preview cannot show the LUT %1, so the filter chain graded the clips.")
+                      .arg(QFileInfo(lutURL_.toLocalFile()).fileName());
+    setStatusMessage(status);
+    for (const QString& table : colourTables)
+        QFile::remove(table);
     finishTask();
 }
 
@@ -335,19 +337,45 @@ QCoro::Task<MediaInfo> AppModel::checkFinishedOutput(QString path, ExpectedOutpu
     co_return probed;
 }
 
+bool AppModel::previewLacksLUT() const
+{
+    return !lutURL_.isEmpty() && !grader_.lut();
+}
+
 std::optional<QString> AppModel::matchedPreviewCube(const ClipItem& clip, bool write) const
 {
     const GradeValues grade{clip.exposure, clip.contrast, clip.saturation, clip.temperature};
-    // The preview shows the table the grader holds; a chosen file it could
-    // not read would make the export differ from what was seen.
-    if (!lutURL_.isEmpty() && !grader_.lut())
-        throw PlatformError(QStringLiteral("The LUT %1 could not be read, so the export cannot match the preview.")
-                                .arg(QFileInfo(lutURL_.toLocalFile()).fileName()));
     if (!BakedCube::isNeeded(grade, grader_.lut()))
         return std::nullopt;
     if (write)
         return BakedCube::writeBakedCube(workspace_, grade, grader_.lut());
     return QDir(workspace_).filePath(BakedCube::fileName(grade, grader_.lut()));
+}
+
+void AppModel::prepareColour(ClipConversion& job, const ClipItem& clip, QStringList* written) const
+{
+    const auto remember = [written](const QString& path) {
+        if (written && !written->contains(path))
+            *written << path;
+    };
+    // The preview shows the table the grader holds; a LUT it cannot read
+    // (not a .cube) is left to ffmpeg's own filters.
+    if (job.settings.matchPreview && previewLacksLUT())
+        job.settings.matchPreview = false;
+    if (job.settings.matchPreview) {
+        job.bakedCube = matchedPreviewCube(clip, written != nullptr);
+        if (job.bakedCube)
+            remember(*job.bakedCube);
+    }
+    const DeliveryConversion conversion = deliveryConversionFor(clip.color);
+    if (conversion == DeliveryConversion::none)
+        return;
+    // The dry run names the file a run would write.
+    const QString path = written ? DeliveryTable::writeTable(workspace_, conversion)
+                                 : QDir(workspace_).filePath(QStringLiteral("delivery-%1.cube")
+                                                                 .arg(deliveryConversionName(conversion)));
+    remember(path);
+    job.deliveryTable = path;
 }
 
 std::optional<QString> AppModel::stagedLUTTarget(const QString& source) const
@@ -412,13 +440,7 @@ std::vector<PlannedCommand> AppModel::plannedCommands() const
                                    : OutputNaming::uniqueOutputPath(clip.url.toLocalFile(), folder, taken);
         claimed << output;
         ClipConversion job = conversionFor(clip, plan, output, lutPath, watermark, settings_);
-        if (settings_.matchPreview) {
-            try {
-                job.bakedCube = matchedPreviewCube(clip, false);
-            } catch (const Error&) {
-                // The batch itself reports the unreadable LUT; show the chain without it.
-            }
-        }
+        prepareColour(job, clip, nullptr);
         commands.push_back({conversionArguments(job, ffmpeg_.encoder(settings_.codec)), output});
     }
     if (plan.combine) {

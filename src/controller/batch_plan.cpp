@@ -1,5 +1,7 @@
 #include "controller/batch_plan.h"
 
+#include "engine/export_colour.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -85,6 +87,7 @@ ExpectedOutput expectedClipOutput(const ClipItem& clip, const BatchPlan& plan, c
         expected.height = plan.normalization->height;
         expected.fps = plan.normalization->fps;
         expected.audio = plan.normalization->includeAudio;
+        expected.colour = ExportColour::outputTags(clip.color, expected.width, expected.height, true);
         return expected;
     }
     // The filter graph truncates each side to an even number.
@@ -94,6 +97,8 @@ ExpectedOutput expectedClipOutput(const ClipItem& clip, const BatchPlan& plan, c
     }
     expected.fps = clip.fps.value_or(plan.fps);
     expected.audio = clip.hasAudio && !settings.removeAudio;
+    expected.colour = ExportColour::outputTags(clip.color, clip.width.value_or(plan.width),
+                                               clip.height.value_or(plan.height), false);
     return expected;
 }
 
@@ -106,6 +111,7 @@ ExpectedOutput expectedJoinedOutput(const BatchPlan& plan, const EncodeSettings&
     expected.duration = partsDuration;
     expected.fps = plan.fps;
     expected.audio = plan.normalization && plan.normalization->includeAudio;
+    expected.colour = ExportColour::outputTags({}, plan.width, plan.height, true);
     return expected;
 }
 

@@ -1,6 +1,7 @@
 // Adding, probing, selecting and removing clips.
 #include "controller/app_model.h"
 
+#include "model/delivery_conversion.h"
 #include "model/media_type.h"
 
 #include <QDir>
@@ -91,7 +92,12 @@ QCoro::Task<void> AppModel::probePendingClips()
     }
     --runningProbePasses_;
 
-    if (const auto clip = selectedClip(); clip && clip->duration) {
+    // A clip selected before its probe was loaded without its colour tags;
+    // an HDR or BT.2020 clip needs them from its first frame.
+    if (const auto clip = selectedClip();
+        clip && previews_ && deliveryConversionFor(clip->color) != deliveryConversionFor(previewColour_)) {
+        loadSelectedPreview();
+    } else if (clip && clip->duration) {
         clock_.setSeconds(clip->playheadInWindow());
         persistPlayhead();
         if (clock_.isPlayable())

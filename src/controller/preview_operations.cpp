@@ -54,13 +54,14 @@ void AppModel::loadSelectedPreview()
     if (!previews_)
         return;
     previewTask_ = std::stop_source();
-    runPreviewLoad(clip->id, clip->url, autoplay);  // runs on; superseded through the selection check
+    previewColour_ = clip->color;
+    runPreviewLoad(clip->id, clip->url, clip->color, autoplay);  // runs on; superseded through the selection check
 }
 
-QCoro::Task<void> AppModel::runPreviewLoad(QUuid clipID, QUrl url, bool autoplay)
+QCoro::Task<void> AppModel::runPreviewLoad(QUuid clipID, QUrl url, ColorTags colour, bool autoplay)
 {
     QPointer<AppModel> self(this);
-    const bool playable = co_await previewPlayer_->load(url);
+    const bool playable = co_await previewPlayer_->load(url, colour);
     if (!self || selectedClipID_ != clipID)
         co_return;  // a newer load owns the preview
     clock_.setIsPlayable(playable);

@@ -66,7 +66,7 @@ void AppModel::loadTrimPreview()
 QCoro::Task<void> AppModel::runTrimLoad(ClipItem clip)
 {
     QPointer<AppModel> self(this);
-    const bool playable = co_await trimPlayer_->load(clip.url);
+    const bool playable = co_await trimPlayer_->load(clip.url, clip.color);
     if (!self || !trimEditorVisible_ || selectedClipID_ != clip.id)
         co_return;
     trimClock_.setIsPlayable(playable);

@@ -2,7 +2,7 @@
 
 #include "engine/decimal_text.h"
 #include "engine/ffmpeg_service.h"
-#include "engine/matched_graph.h"
+#include "engine/export_colour.h"
 
 #include <cmath>
 
@@ -57,20 +57,32 @@ QStringList videoEncodingArguments(const VideoEncoder& encoder, VideoCodec codec
     return arguments;
 }
 
+ColorTags outputColour(const ClipConversion& job)
+{
+    const int64_t width = job.normalization ? job.normalization->width : job.width;
+    const int64_t height = job.normalization ? job.normalization->height : job.height;
+    return ExportColour::outputTags(job.sourceColor, width, height, job.normalization.has_value());
+}
+
 QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& encoder)
 {
     const int64_t width = job.normalization ? job.normalization->width : job.width;
     const int64_t height = job.normalization ? job.normalization->height : job.height;
-    const QString pixelFormat = job.watermark ? QStringLiteral("gbrp16le") : QStringLiteral("yuv420p");
-    const bool matched = job.settings.matchPreview;
-    const QString toOutput = matched ? MatchedGraph::outputConversion(width, height)
-                                     : QStringLiteral("format=yuv420p");
+    const ColorTags output = outputColour(job);
+    const QString toOutput = ExportColour::outputConversion(output);
+    QStringList gradeFilters;
+    if (job.settings.matchPreview) {
+        if (job.bakedCube && !job.bakedCube->isEmpty())
+            gradeFilters << QStringLiteral("lut3d=file=") + FFmpegService::escapeFilterPath(*job.bakedCube)
+                                + QStringLiteral(":interp=tetrahedral");
+    } else {
+        gradeFilters = FFmpegService::gradeFilters(job.lutPath, job.exposure, job.contrast, job.temperature,
+                                                   job.saturation);
+    }
+    // With a watermark the chain ends in RGB, blended there, and converted after.
     const QString grade =
-        matched ? MatchedGraph::filterGraph(job.bakedCube, job.sourceColor, job.width, job.height,
-                                            job.normalization,
-                                            job.watermark ? QString() : toOutput)
-                : FFmpegService::filterGraph(job.lutPath, job.exposure, job.contrast, job.temperature,
-                                             job.saturation, job.normalization, pixelFormat);
+        ExportColour::videoGraph(job.sourceColor, job.width, job.height, job.deliveryTable, gradeFilters,
+                                 job.normalization, job.watermark ? QString() : toOutput);
 
     QStringList arguments{QStringLiteral("-nostdin"), QStringLiteral("-hide_banner"),
                           QStringLiteral("-loglevel"), QStringLiteral("error"), QStringLiteral("-y")};
@@ -93,8 +105,7 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
     arguments << videoEncodingArguments(
         encoder, job.settings.codec,
         bitrateKbps(job.settings.quality, width, height, job.settings.codec));
-    if (matched)
-        arguments << MatchedGraph::outputColorArguments(job.sourceColor, width, height);
+    arguments << ExportColour::outputColorArguments(output);
     arguments << QStringLiteral("-sn");
     if (job.trim && job.duration > 0)
         arguments << QStringLiteral("-t") << fixedDecimal(job.duration, 3);

@@ -38,10 +38,13 @@ struct ClipConversion {
     std::optional<VideoNormalization> normalization;
     std::optional<WatermarkOverlay> watermark;
     // With settings.matchPreview: the baked preview grade (none for a
-    // neutral clip without LUT), which replaces the LUT and the four values,
-    // and the source's colour tags, which say how the preview reads it.
+    // neutral clip without LUT), which replaces the LUT and the four values.
     std::optional<QString> bakedCube;
+    // The source's colour tags, which say how its pixels are read, and the
+    // table that brings an HDR or BT.2020 source to SDR BT.709 (see
+    // export_colour.h), in both export modes.
     ColorTags sourceColor;
+    std::optional<QString> deliveryTable;
 
     bool operator==(const ClipConversion&) const = default;
 
@@ -55,6 +58,9 @@ struct ClipConversion {
 
 // The complete ffmpeg argument list, "-nostdin" to the output path.
 QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& encoder);
+
+// The colour tags the job's output carries (and its pixels have).
+ColorTags outputColour(const ClipConversion& job);
 
 // "-c:v" ... "-pix_fmt" "yuv420p" (and "-tag:v" "hvc1" for HEVC, which
 // players expect in MP4): shared by conversion and combining.

@@ -1,6 +1,7 @@
 #include "engine/concat_job.h"
 
 #include "engine/clip_conversion.h"
+#include "engine/export_colour.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -55,6 +56,8 @@ QStringList concatReencodeArguments(const QString& listPath, const QString& outp
     QStringList arguments = leadingArguments(listPath);
     arguments << videoEncodingArguments(
         encoder, settings.codec, bitrateKbps(settings.quality, width, height, settings.codec));
+    // The parts' own pixels and tags; said again, as the encoder would not.
+    arguments << ExportColour::outputColorArguments(ExportColour::outputTags({}, width, height, true));
     if (settings.removeAudio)
         arguments << QStringLiteral("-an");
     else

@@ -122,6 +122,10 @@ public:
                                double temperature, double saturation,
                                std::optional<VideoNormalization> normalization,
                                const QString& outputPixelFormat);
+    // The grade steps of that chain alone (exposure, LUT, white balance,
+    // contrast and saturation, each left out when neutral).
+    static QStringList gradeFilters(const std::optional<QString>& lutPath, double exposure, double contrast,
+                                    double temperature, double saturation);
     // The size steps of every chain: even sides, or fitted and padded to a
     // normalization with square pixels and its frame rate.
     static QStringList sizeFilters(const std::optional<VideoNormalization>& normalization);

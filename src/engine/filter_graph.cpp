@@ -40,14 +40,10 @@ QString colorBalance(double temperature)
 
 }  // namespace
 
-QString FFmpegService::filterGraph(std::optional<QString> lutPath, double exposure, double contrast,
-                                   double temperature, double saturation,
-                                   std::optional<VideoNormalization> normalization,
-                                   const QString& outputPixelFormat)
+QStringList FFmpegService::gradeFilters(const std::optional<QString>& lutPath, double exposure, double contrast,
+                                        double temperature, double saturation)
 {
-    // 16-bit RGB throughout the grade, so the LUT and the adjustments do not
-    // band; the output format converts once at the end.
-    QStringList filters{QStringLiteral("format=gbrp16le")};
+    QStringList filters;
     if (beyond(std::abs(exposure), gradeEpsilon))
         filters << QStringLiteral("exposure=exposure=") + gradeValue(exposure);
     if (lutPath && !lutPath->isEmpty())
@@ -63,7 +59,18 @@ QString FFmpegService::filterGraph(std::optional<QString> lutPath, double exposu
         eq << QStringLiteral("saturation=") + gradeValue(std::clamp(saturation, 0.0, 3.0));
     if (!eq.isEmpty())
         filters << QStringLiteral("eq=") + eq.join(QLatin1Char(':'));
+    return filters;
+}
 
+QString FFmpegService::filterGraph(std::optional<QString> lutPath, double exposure, double contrast,
+                                   double temperature, double saturation,
+                                   std::optional<VideoNormalization> normalization,
+                                   const QString& outputPixelFormat)
+{
+    // 16-bit RGB throughout the grade, so the LUT and the adjustments do not
+    // band; the output format converts once at the end.
+    QStringList filters{QStringLiteral("format=gbrp16le")};
+    filters << gradeFilters(lutPath, exposure, contrast, temperature, saturation);
     filters << sizeFilters(normalization);
     filters << QStringLiteral("format=") + outputPixelFormat;
     return filters.join(QLatin1Char(','));

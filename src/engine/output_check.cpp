@@ -48,6 +48,15 @@ std::optional<QString> outputMismatch(const ExpectedOutput& expected, const Medi
         }
     }
 
+    if (expected.colour && probed.color != *expected.colour) {
+        const auto tags = [](const ColorTags& tags) {
+            const auto named = [](const QString& name) { return name.isEmpty() ? QStringLiteral("none") : name; };
+            return QStringLiteral("colour tags %1/%2/%3/%4")
+                .arg(named(tags.space), named(tags.primaries), named(tags.transfer), named(tags.range));
+        };
+        return failure(tags(*expected.colour), tags(probed.color));
+    }
+
     if (expected.audio && !probed.hasAudio)
         return failure(QStringLiteral("an audio track"), QStringLiteral("none"));
     if (!expected.audio && probed.hasAudio)

@@ -20,6 +20,9 @@ struct ExpectedOutput {
     double duration = 0;    // 0 when the length is not known: not checked
     double fps = 24;        // one frame of this rate is allowed either way
     bool audio = false;
+    // Matrix, range, primaries and transfer as ffprobe names them; not
+    // checked when absent.
+    std::optional<ColorTags> colour;
 
     bool operator==(const ExpectedOutput&) const = default;
 };

@@ -45,9 +45,9 @@ struct EncodeSettings {
     bool copyAudio = true;
     bool removeAudio = false;   // wins over copyAudio
     bool concatenateClips = false;
-    // Bake each clip's preview grade into one look-up table and convert
-    // colours as the preview decodes them, so the file looks like the preview.
-    bool matchPreview = false;
+    // Bake each clip's preview grade into one look-up table, so the file
+    // looks exactly like the preview; off, ffmpeg's own filters grade.
+    bool matchPreview = true;
 
     bool operator==(const EncodeSettings&) const = default;
 };

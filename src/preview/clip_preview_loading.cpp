@@ -3,10 +3,13 @@
 // filter are fixed, to the loaded file's verdict.
 #include "preview/clip_preview_player.h"
 
+#include "grading/delivery_table.h"
+#include "model/error.h"
 #include "preview/mpv_tracks.h"
 #include "preview/preview_filter.h"
 #include "preview/sw_frame_renderer.h"
 
+#include <QDir>
 #include <mpv/client.h>
 
 namespace tavrelune {
@@ -18,8 +21,9 @@ struct ClipPreviewPlayer::LoadAwaiter {
     bool await_resume() const noexcept { return pending->result.value_or(false); }
 };
 
-QCoro::Task<bool> ClipPreviewPlayer::load(QUrl url)
+QCoro::Task<bool> ClipPreviewPlayer::load(QUrl url, ColorTags colour)
 {
+    pendingColour_ = colour;
     pause();
     ignoreTimeUpdates_ = true;
     pendingTime_.reset();
@@ -92,6 +96,12 @@ void ClipPreviewPlayer::prepareVideo(std::uint64_t hookID)
             shape.height = track->value("demux-h").toLongLong();
             shape.pixelAspect = track->value("demux-par", 1.0).toDouble();
             shape.rotation = track->value("demux-rotation", 0).toInt();
+            if (const DeliveryConversion kind = deliveryConversionFor(pendingColour_);
+                kind != DeliveryConversion::none) {
+                shape.rgbMatrix = sourceMatrix(pendingColour_, shape.width, shape.height);
+                shape.fullRange = isFullRange(pendingColour_);
+                shape.deliveryTable = deliveryTable(kind);
+            }
             const PreviewFilter filter = previewFilterFor(shape);
             if (!filter.frameSize.isEmpty()) {
                 mpv_set_property_string(mpv_, "file-local-options/vid",
@@ -102,6 +112,19 @@ void ClipPreviewPlayer::prepareVideo(std::uint64_t hookID)
         }
     }
     mpv_hook_continue(mpv_, hookID);
+}
+
+QString ClipPreviewPlayer::deliveryTable(DeliveryConversion kind)
+{
+    if (!tableFolder_)
+        tableFolder_ = std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/tavrelune-preview-XXXXXX"));
+    try {
+        if (tableFolder_->isValid())
+            return DeliveryTable::writeTable(tableFolder_->path(), kind);
+    } catch (const Error&) {
+    }
+    qWarning("tavrelune: the preview's colour table could not be written; HDR shows unconverted");
+    return {};
 }
 
 void ClipPreviewPlayer::inspectLoadedFile()

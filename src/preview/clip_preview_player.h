@@ -23,11 +23,15 @@
 // state is shared (std::shared_ptr) with the views that draw with it.
 #pragma once
 
+#include "grading/delivery_table.h"
 #include "grading/grade_state.h"
+#include "model/delivery_conversion.h"
+#include "model/media_info.h"
 #include "preview/frame_statistics.h"
 #include "preview/video_frame.h"
 
 #include <QElapsedTimer>
+#include <QTemporaryDir>
 #include <QObject>
 #include <QTimer>
 #include <QTransform>
@@ -73,7 +77,12 @@ public:
     // opens and has a video track mpv can decode (not cover art or a still
     // image); otherwise the player is left empty. A load that a newer load
     // overtakes resolves with the newer load's result. Never throws.
-    QCoro::Task<bool> load(QUrl url);
+    //
+    // `colour` is the clip's probed colour tags: an HDR or BT.2020 clip's
+    // frames are then read with its matrix and brought to SDR BT.709 with the
+    // delivery table, as the export does (see grading/delivery_table.h).
+    // Without tags (not probed yet) the clip shows as SDR.
+    QCoro::Task<bool> load(QUrl url, ColorTags colour = {});
     void unload();
     // Ignored without a loaded clip or for a non-finite time. A tolerant
     // seek may land up to 0.05 s from the target.
@@ -143,6 +152,7 @@ private:
     void handleReply(std::uint64_t userdata, int error, const mpv_event& event);
     void handlePropertyChange(const mpv_event& event);
     void prepareVideo(std::uint64_t hookID);
+    QString deliveryTable(DeliveryConversion kind);
     void inspectLoadedFile();
     void settleLoads(bool playable);
     void issueSeek(double seconds, bool exact);
@@ -171,6 +181,10 @@ private:
     std::uint64_t loadSerial_ = 0;
     bool loadPending_ = false;
     std::optional<std::int64_t> pendingEntry_;
+    ColorTags pendingColour_;  // of the newest load
+    // Delivery tables written when first needed, for mpv's filter to read.
+    std::unique_ptr<QTemporaryDir> tableFolder_;
+
     std::int64_t startedEntry_ = -1;
     std::vector<std::shared_ptr<PendingLoad>> waiters_;
 

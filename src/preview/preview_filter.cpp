@@ -28,10 +28,16 @@ PreviewFilter previewFilterFor(const VideoTrackShape& track, int maximumSide)
     static const char* const turn[] = {"", ",transpose=clock", ",hflip,vflip", ",transpose=cclock"};
     PreviewFilter filter;
     filter.frameSize = sideways ? QSize(scaledHeight, scaledWidth) : QSize(scaledWidth, scaledHeight);
-    filter.mpvFilter = QStringLiteral("lavfi=[scale=w=%1:h=%2:flags=bilinear,setsar=1%3]")
+    QString toRgb;
+    if (!track.rgbMatrix.isEmpty() && !track.deliveryTable.isEmpty())
+        toRgb = QStringLiteral(":in_color_matrix=%1:in_range=%2,format=gbrp16le,lut3d=file=%3:interp=trilinear,"
+                               "format=bgr0,setparams=range=pc:color_primaries=bt709:color_trc=bt709:colorspace=gbr")
+                    .arg(track.rgbMatrix, track.fullRange ? QStringLiteral("pc") : QStringLiteral("tv"),
+                         track.deliveryTable);
+    filter.mpvFilter = QStringLiteral("lavfi=[scale=w=%1:h=%2:flags=bilinear%3,setsar=1%4]")
                            .arg(scaledWidth)
                            .arg(scaledHeight)
-                           .arg(QLatin1String(turn[turns]));
+                           .arg(toRgb, QLatin1String(turn[turns]));
     return filter;
 }
 

@@ -2,6 +2,7 @@
 
 #include "controller/app_model.h"
 #include "grading/grade_values.h"
+#include "model/delivery_conversion.h"
 #include "ui/appearance.h"
 #include "ui/small_button.h"
 #include "ui/live_slider.h"
@@ -59,6 +60,13 @@ AdjustmentsCard::AdjustmentsCard(AppModel& model, QWidget* parent)
     clipName_->setFont(appearance::weighted(appearance::subheadline(font()), QFont::Medium));
     clipName_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     column->addWidget(clipName_);
+    // What the clip's colours go through before the grade ("HDR (HLG) → SDR").
+    colourNote_ = new QLabel;
+    colourNote_->setTextFormat(Qt::PlainText);
+    colourNote_->setFont(appearance::caption(font()));
+    appearance::setTextColor(colourNote_, appearance::secondaryText(palette()));
+    colourNote_->hide();
+    column->addWidget(colourNote_);
 
     controls_ = new QWidget;
     auto* controlColumn = new QVBoxLayout(controls_);
@@ -131,6 +139,9 @@ void AdjustmentsCard::followSelection()
     hint_->setVisible(!clip);
     sliders_->setVisible(clip.has_value());
     clipName_->setText(clip ? clip->name : QString());
+    const QString conversion = clip ? deliveryConversionLabel(deliveryConversionFor(clip->color)) : QString();
+    colourNote_->setText(conversion);
+    colourNote_->setVisible(!conversion.isEmpty());
     controls_->setEnabled(!model_.isConverting());
 }
 

@@ -37,6 +37,7 @@ private:
     AppModel& model_;
     QWidget* hint_;
     QWidget* sliders_;
+    QLabel* colourNote_ = nullptr;
     QLabel* clipName_;
     QWidget* controls_;
     std::array<SliderRow*, 4> rows_{};

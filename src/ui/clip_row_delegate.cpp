@@ -1,6 +1,7 @@
 #include "ui/clip_row_delegate.h"
 
 #include "controller/app_model.h"
+#include "model/delivery_conversion.h"
 #include "ui/appearance.h"
 #include "ui/clip_list_model.h"
 #include "ui/clip_row_text.h"
@@ -146,6 +147,8 @@ void ClipRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
     QStringList items{clip.durationLabel()};
     if (const QString resolution = clip.resolutionLabel(); !resolution.isEmpty())
         items << resolution;
+    if (const QString conversion = deliveryConversionLabel(deliveryConversionFor(clip.color)); !conversion.isEmpty())
+        items << conversion;
     if (carriesGrade(clip))
         items << adjustmentLabel(clip);
     for (const QString& item : items) {

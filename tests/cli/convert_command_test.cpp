@@ -173,14 +173,16 @@ TEST(ConvertCommand, DryRunPrintsTheExactCommandAndTouchesNothing)
     const QString clip = sandbox.clip("a.mov");
     const QString out = sandbox.file("delivery");
     const CommandRun run = sandbox.run({"--dry-run", "--codec", "h264", "--quality", "balanced", "--remove-audio",
-                                 "--output", out, clip});
+                                 "--filter-chain", "--output", out, clip});
     ASSERT_EQ(run.exitCode, 0) << run.errLines.join('\n').toStdString();
     const QStringList lines = run.out.split('\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 3);
     const QJsonArray expected{
         sandbox.ffmpeg(), "-nostdin", "-hide_banner", "-loglevel", "error", "-y", "-i", clip,
-        "-vf", "format=gbrp16le,scale=trunc(iw/2)*2:trunc(ih/2)*2,format=yuv420p", "-map", "0:v:0",
-        "-c:v", "libx264", "-b:v", "5069k", "-preset", "faster", "-pix_fmt", "yuv420p", "-sn", "-an",
+        "-vf", "scale=in_color_matrix=bt601:in_range=tv,format=gbrp16le,scale=trunc(iw/2)*2:trunc(ih/2)*2,"
+        "format=gbrp16le,scale=out_color_matrix=bt601:out_range=tv,format=yuv420p", "-map", "0:v:0",
+        "-c:v", "libx264", "-b:v", "5069k", "-preset", "faster", "-pix_fmt", "yuv420p", "-colorspace", "smpte170m",
+        "-color_primaries", "smpte170m", "-color_trc", "smpte170m", "-color_range", "tv", "-sn", "-an",
         "-movflags", "+faststart", "-progress", "pipe:1", "-nostats", out + "/a_graded.mp4"};
     EXPECT_EQ(QJsonDocument::fromJson(lines[0].toUtf8()).array(), expected) << lines[0].toStdString();
     EXPECT_EQ(lines[1], "# output: " + out + "/a_graded.mp4");
@@ -188,8 +190,8 @@ TEST(ConvertCommand, DryRunPrintsTheExactCommandAndTouchesNothing)
     EXPECT_FALSE(QFile::exists(out));
     EXPECT_TRUE(sandbox.loggedConversions().isEmpty());
 
-    // Matching the preview shows where the baked table would be.
-    const CommandRun matched = sandbox.run({"--dry-run", "--match-preview", "--exposure", "0.5", "--output", out, clip});
+    // Matching the preview (the default) shows where the baked table would be.
+    const CommandRun matched = sandbox.run({"--dry-run", "--exposure", "0.5", "--output", out, clip});
     ASSERT_EQ(matched.exitCode, 0) << matched.errLines.join('\n').toStdString();
     const QString graph = QJsonDocument::fromJson(matched.out.split('\n').first().toUtf8()).array()[9].toString();
     EXPECT_TRUE(graph.contains(":interp=tetrahedral,scale=trunc(iw/2)*2:trunc(ih/2)*2,format=gbrp16le,")) << graph.toStdString();
@@ -222,7 +224,7 @@ TEST(ConvertCommand, JobRunsExactlyAsItsDryRunSaysAlsoCombined)
         { "url": "c.mov", "contrast": 1.2, "inPoint": 3, "outPoint": 4 }
       ]
     })");
-    const QStringList options{"--job", job, "--codec", "h264", "--watermark-opacity", "0.5"};
+    const QStringList options{"--job", job, "--codec", "h264", "--watermark-opacity", "0.5", "--filter-chain"};
 
     const CommandRun dry = sandbox.run(QStringList{"--dry-run"} + options);
     ASSERT_EQ(dry.exitCode, 0) << dry.errLines.join('\n').toStdString();

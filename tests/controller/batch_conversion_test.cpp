@@ -271,6 +271,7 @@ TEST_F(ControllerTest, TheSlidersFollowTheClipTheBatchSelects)
     convert();
     ASSERT_EQ(model->selectedClipID(), clipAt(1).id);
     EXPECT_EQ(model->liveGrade().exposure(), -0.5);
+    model->setSettings({.matchPreview = false});
     EXPECT_TRUE(model->plannedCommands().at(1).arguments.join(" ").contains("exposure=exposure=-0.5000"));
 
     convert();  // only a re-export: no clip is re-graded
@@ -376,12 +377,17 @@ TEST_F(ControllerTest, PreviewMatchedBatchBakesOneTablePerGradeAndRemovesThem)
     EXPECT_TRUE(QDir(workspace()).entryList({"preview-grade-*.cube"}, QDir::Files).isEmpty());
     EXPECT_EQ(probeEntry(outputFolder() + "/a_graded.mp4", "color_space"), "smpte170m");
 
-    // A LUT format the preview cannot read cannot be matched: the clip fails.
+    // A LUT format the preview cannot read is left to the filter chain, and
+    // the batch says so.
     root.write("looks/other.3dl", "0 512 1023\n0 0 0\n");
     model->setLUT(QUrl::fromLocalFile(root.file("looks/other.3dl")));
+    const QString arguments = model->plannedCommands().at(0).arguments.join(' ');
+    EXPECT_TRUE(arguments.contains("active-lut.3dl:interp=tetrahedral")) << arguments.toStdString();
+    EXPECT_FALSE(arguments.contains("preview-grade-"));
     convert();
-    EXPECT_EQ(clipAt(0).status, ClipStatus::failed);
-    EXPECT_TRUE(model->errorMessage().contains("other.3dl")) << model->errorMessage().toStdString();
+    EXPECT_TRUE(model->statusMessage().endsWith("The preview cannot show the LUT other.3dl, so the filter chain "
+                                                "graded the clips."))
+        << model->statusMessage().toStdString();
 }
 
 TEST_F(ControllerTest, AnOutputShorterThanItsClipFailsAndIsRemoved)

@@ -44,11 +44,14 @@ const QString aac = "-c:a aac -ar 48000 -ac 2 -b:a 192k";
 
 TEST(ConversionArguments, FullListsOfTheTypicalJobs)
 {
-    const QString plain = "-vf format=gbrp16le,scale=trunc(iw/2)*2:trunc(ih/2)*2,format=yuv420p -map 0:v:0 ";
+    const QString plain = "-vf scale=in_color_matrix=bt709:in_range=tv,format=gbrp16le,scale=trunc(iw/2)*2:"
+                          "trunc(ih/2)*2,format=gbrp16le,scale=out_color_matrix=bt709:out_range=tv,format=yuv420p "
+                          "-map 0:v:0 ";
+    const QString tags = " -colorspace bt709 -color_primaries bt709 -color_trc bt709 -color_range tv";
     EXPECT_EQ(argumentsOf(fullHdClip(VideoCodec::h264)), head + "-i /in/c.mov " + plain
-              + encoding(VideoCodec::h264, "18662k") + " -sn -map 0:a:0? -c:a copy" + tail);
+              + encoding(VideoCodec::h264, "18662k") + tags + " -sn -map 0:a:0? -c:a copy" + tail);
     EXPECT_TRUE(argumentsOf(fullHdClip(VideoCodec::hevc))
-                    .contains(encoding(VideoCodec::hevc, "13478k") + " -tag:v hvc1 -sn -map 0:a:0? -c:a copy"));
+                    .contains(encoding(VideoCodec::hevc, "13478k") + " -tag:v hvc1" + tags + " -sn -map 0:a:0? -c:a copy"));
 
     // Trimmed audio is re-encoded; a start within a millisecond needs no seek.
     ClipConversion trimmed = fullHdClip(VideoCodec::h264);
@@ -67,10 +70,11 @@ TEST(ConversionArguments, FullListsOfTheTypicalJobs)
     part.normalization = VideoNormalization{1280, 720, 25, true};
     part.watermark = WatermarkOverlay{"/w/m.png", 0.75, 0.05, 0.2, 1, 2};
     EXPECT_EQ(argumentsOf(part), head + "-i /in/c.mov -i /w/m.png -f lavfi -i anullsrc=channel_layout=stereo:"
-              "sample_rate=48000 -filter_complex [0:v]format=gbrp16le,scale=1280:720:force_original_aspect_"
-              "ratio=decrease,pad=1280:720:(ow-iw)/2:(oh-ih)/2,setsar=1,fps=25.000,format=gbrp16le[v];[1:v]"
-              "format=rgba,scale=256:-1:flags=lanczos[wm];[v][wm]overlay=960:36:format=auto,format=yuv420p"
-              "[vout] -map [vout] " + encoding(VideoCodec::h264, "8294k") + " -sn -map 2:a:0 " + aac
+              "sample_rate=48000 -filter_complex [0:v]scale=in_color_matrix=bt709:in_range=tv,format=gbrp16le,"
+              "scale=1280:720:force_original_aspect_ratio=decrease,pad=1280:720:(ow-iw)/2:(oh-ih)/2,setsar=1,"
+              "fps=25.000,format=gbrp16le[v];[1:v]format=rgba,scale=256:-1:flags=lanczos[wm];[v][wm]overlay=960:36:"
+              "format=auto,scale=out_color_matrix=bt709:out_range=tv,format=yuv420p[vout] -map [vout] "
+              + encoding(VideoCodec::h264, "8294k") + tags + " -sn -map 2:a:0 " + aac
               + " -shortest" + tail);
     part.watermark.reset();
     EXPECT_TRUE(argumentsOf(part).contains("-sn -map 1:a:0 -c:a aac"));

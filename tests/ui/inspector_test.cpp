@@ -160,7 +160,7 @@ TEST_F(InspectorTest, ExportControlsWriteTheSettings)
         QTest::mouseClick(toggle, Qt::LeftButton, {}, QPoint(8, toggle->height() / 2));
     EXPECT_TRUE(model->settings().concatenateClips);
     EXPECT_TRUE(model->settings().removeAudio);
-    EXPECT_TRUE(model->settings().matchPreview);
+    EXPECT_FALSE(model->settings().matchPreview) << "on by default, turned off";
     EXPECT_EQ(inspector().convertButton()->text(), "Export one video");
 }
 

@@ -1,0 +1,64 @@
+#include "engine/export_colour.h"
+
+#include "engine/ffmpeg_service.h"
+#include "model/delivery_conversion.h"
+
+namespace tavrelune::ExportColour {
+
+bool writesBt709(int64_t width, int64_t height)
+{
+    return looksHighDefinition(width, height);
+}
+
+ColorTags outputTags(const ColorTags& source, int64_t width, int64_t height, bool sharedByParts)
+{
+    const bool hd = writesBt709(width, height);
+    const QString standard = hd ? QStringLiteral("bt709") : QStringLiteral("smpte170m");
+    ColorTags output{.space = standard, .range = QStringLiteral("tv"), .primaries = standard, .transfer = standard};
+    if (sharedByParts || deliveryConversionFor(source) != DeliveryConversion::none) {
+        output.primaries = QStringLiteral("bt709");
+        output.transfer = QStringLiteral("bt709");
+    } else {
+        if (!source.primaries.isEmpty())
+            output.primaries = source.primaries;
+        if (!source.transfer.isEmpty())
+            output.transfer = source.transfer;
+    }
+    return output;
+}
+
+QString outputConversion(const ColorTags& output)
+{
+    return QStringLiteral("scale=out_color_matrix=%1:out_range=tv,format=yuv420p")
+        .arg(output.space == QLatin1String("bt709") ? QStringLiteral("bt709") : QStringLiteral("bt601"));
+}
+
+QStringList outputColorArguments(const ColorTags& output)
+{
+    return {QStringLiteral("-colorspace"), output.space,         QStringLiteral("-color_primaries"),
+            output.primaries,              QStringLiteral("-color_trc"), output.transfer,
+            QStringLiteral("-color_range"), output.range};
+}
+
+QString videoGraph(const ColorTags& source, int64_t width, int64_t height,
+                   const std::optional<QString>& deliveryTable, const QStringList& gradeFilters,
+                   const std::optional<VideoNormalization>& normalization, const QString& outputConversion)
+{
+    QStringList filters{
+        QStringLiteral("scale=in_color_matrix=%1:in_range=%2")
+            .arg(sourceMatrix(source, width, height),
+                 isFullRange(source) ? QStringLiteral("pc") : QStringLiteral("tv")),
+        QStringLiteral("format=gbrp16le")};
+    if (deliveryTable && !deliveryTable->isEmpty())
+        filters << QStringLiteral("lut3d=file=") + FFmpegService::escapeFilterPath(*deliveryTable)
+                       + QStringLiteral(":interp=trilinear");
+    filters << gradeFilters;
+    // Pinned, so the size steps cannot hand the final conversion YUV that
+    // ffmpeg's default matrix has already made.
+    filters << FFmpegService::sizeFilters(normalization) << QStringLiteral("format=gbrp16le");
+    if (!outputConversion.isEmpty())
+        filters << outputConversion;
+    return filters.join(QLatin1Char(','));
+}
+
+}  // namespace tavrelune::ExportColour
