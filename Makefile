@@ -1,5 +1,5 @@
 # Entry points; everything else lives in scripts/.
-.PHONY: run test bench setup
+.PHONY: run test bench setup package
 run:
 	scripts/run
 test:
@@ -8,3 +8,5 @@ bench:
 	scripts/bench
 setup:
 	scripts/setup
+package:
+	scripts/package

@@ -1,5 +1,9 @@
 #include "cli/commands.h"
 
+#include "engine/tool_locator.h"
+#include "engine/tool_versions.h"
+#include "preview/mpv_version.h"
+
 #include <QCoreApplication>
 #include <QTextStream>
 #include <cstdio>
@@ -37,6 +41,15 @@ QString usage()
 
 }  // namespace
 
+QString versionText(const QString& ffmpeg)
+{
+    const QString ffmpegFound = ffmpegVersion(ffmpeg);
+    return QStringLiteral("tavrelune %1\nffmpeg %2\nlibmpv %3\n")
+        .arg(QStringLiteral(TAVRELUNE_VERSION),
+             ffmpegFound.isEmpty() ? QStringLiteral("not found") : ffmpegFound + " (" + ffmpeg + ")",
+             libmpvVersion());
+}
+
 bool isHeadlessInvocation(const QStringList& arguments)
 {
     if (arguments.isEmpty())
@@ -59,7 +72,7 @@ int runHeadless(const QStringList& arguments)
         return 0;
     }
     if (first == "-v" || first == "--version") {
-        out << "tavrelune " << TAVRELUNE_VERSION << "\n";
+        out << versionText(ToolLocator::fromEnvironment().locate(QStringLiteral("ffmpeg")));
         return 0;
     }
     for (const Command& command : commands())

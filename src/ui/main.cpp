@@ -74,7 +74,7 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     QApplication::setApplicationName("Tavrelune");
     QApplication::setApplicationVersion(TAVRELUNE_VERSION);
-    QGuiApplication::setDesktopFileName("tavrelune");
+    QGuiApplication::setDesktopFileName("io.github.tavrelune.Tavrelune");
     QApplication::setWindowIcon(tavrelune::ui::icons::application());
     // Asked to end (logout, kill, the terminal closing), the window closes
     // the orderly way: a running conversion is stopped and its unfinished

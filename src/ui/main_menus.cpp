@@ -1,5 +1,6 @@
 #include "ui/main_menus.h"
 
+#include "cli/commands.h"
 #include "controller/app_model.h"
 
 #include <QMainWindow>
@@ -101,14 +102,20 @@ void MainMenus::togglePlayAll()
 
 void MainMenus::showAbout()
 {
+    // What `tavrelune --version` prints, below the title.
+    QStringList lines = cli::versionText(model_.ffmpeg().binaryPath(QStringLiteral("ffmpeg")))
+                            .trimmed()
+                            .split('\n');
+    lines.removeFirst();
+    for (QString& line : lines)
+        line = line.toHtmlEscaped();
     QMessageBox::about(
         &window_, QStringLiteral("About Tavrelune"),
         QStringLiteral("<p><b>Tavrelune %1</b></p>"
                        "<p>Prepares a batch of video clips for delivery: one LUT for the batch, a grade, "
                        "trim and watermark per clip, converted to MP4 by ffmpeg.</p>"
-                       "<p>ffmpeg: %2</p>")
-            .arg(QStringLiteral(TAVRELUNE_VERSION),
-                 model_.ffmpeg().binaryPath(QStringLiteral("ffmpeg")).toHtmlEscaped()));
+                       "<p>%2</p>")
+            .arg(QStringLiteral(TAVRELUNE_VERSION), lines.join(QLatin1String("<br>"))));
 }
 
 }  // namespace tavrelune::ui

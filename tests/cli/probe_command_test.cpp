@@ -58,7 +58,11 @@ TEST(CommandLine, HelpVersionAndNoDisplay)
     EXPECT_TRUE(help.out.contains("TAVRELUNE_TOOLS_DIR"));
     const ToolResult version = runTool(TAVRELUNE_BINARY, {"--version"});
     EXPECT_EQ(version.exitCode, 0);
-    EXPECT_TRUE(version.out.startsWith("tavrelune "));
+    const QList<QByteArray> versions = version.out.trimmed().split('\n');
+    ASSERT_EQ(versions.size(), 3) << version.out.toStdString();
+    EXPECT_EQ(versions[0], "tavrelune " TAVRELUNE_VERSION);
+    EXPECT_TRUE(versions[1].startsWith("ffmpeg ") && versions[1].endsWith("/ffmpeg)")) << versions[1].toStdString();
+    EXPECT_TRUE(versions[2].startsWith("libmpv ") && !versions[2].contains("client API")) << versions[2].toStdString();
     EXPECT_EQ(runTool(TAVRELUNE_BINARY, {"probe"}).exitCode, 2);
 
     QProcess window;
