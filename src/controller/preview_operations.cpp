@@ -5,6 +5,8 @@
 #include "controller/app_model.h"
 
 #include "engine/delay.h"
+#include "grading/delivery_table.h"
+#include "model/delivery_conversion.h"
 #include "grading/pixel_image.h"
 
 #include <QDir>
@@ -150,7 +152,15 @@ QCoro::Task<void> AppModel::extractSourceFrame(QUuid clipID, QUrl url, double du
         setIsPreviewing(true);
         std::exception_ptr failure;
         try {
-            co_await ffmpeg_.extractFrame(url.toLocalFile(), stillTime(duration, fraction), target, 1280, stop);
+            StillColour colour;
+            if (const auto clip = selectedClip(); clip && clip->id == clipID) {
+                colour = {clip->color, clip->width.value_or(0), clip->height.value_or(0), std::nullopt};
+                if (const DeliveryConversion conversion = deliveryConversionFor(clip->color);
+                    conversion != DeliveryConversion::none)
+                    colour.deliveryTable = DeliveryTable::writeTable(workspace_, conversion);
+            }
+            co_await ffmpeg_.extractFrame(url.toLocalFile(), stillTime(duration, fraction), target, 1280, stop,
+                                          colour);
         } catch (...) {
             failure = std::current_exception();
         }

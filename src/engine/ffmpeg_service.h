@@ -27,6 +27,7 @@
 #include "engine/clip_conversion.h"
 #include "engine/encoder_detection.h"
 #include "engine/ffmpeg_error.h"
+#include "engine/frame_extraction.h"
 #include "engine/tool_locator.h"
 #include "engine/video_encoder.h"
 #include "model/encode_settings.h"
@@ -108,10 +109,11 @@ public:
                                   EncodeSettings settings, int64_t width, int64_t height,
                                   ProgressCallback onProgress, std::stop_token stop = {});
 
-    // Writes the frame at `at` as an 8-bit RGB image `width` pixels wide.
+    // Writes the frame at `at` as an 8-bit RGB image `width` pixels wide,
+    // read as `colour` says.
     // Not a tracked conversion: only `stop` ends it, not cancel().
     QCoro::Task<void> extractFrame(QString from, double at, QString output, int64_t width,
-                                   std::stop_token stop = {});
+                                   std::stop_token stop = {}, StillColour colour = {});
 
     // --- Filter graphs (pure) ---
 

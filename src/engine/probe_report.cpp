@@ -17,7 +17,7 @@ QStringList arguments(const QString& path)
 {
     return {"-v", "error", "-show_entries",
             "format=duration:stream=codec_type,codec_name,width,height,pix_fmt,r_frame_rate,avg_frame_rate,bit_rate,"
-            "color_space,color_range,color_primaries,color_transfer:stream_tags=rotate:stream_side_data=rotation",
+            "color_space,color_range,color_primaries,color_transfer:stream_tags=rotate:stream_side_data=rotation,dv_profile",
             "-of", "json", path};
 }
 
@@ -62,6 +62,21 @@ double rotationOf(const QJsonObject& stream)
     if (tags.isObject())
         return doubleValue(tags.toObject().value("rotate"));
     return 0;
+}
+
+// Dolby Vision profile 5 carries its picture in Dolby's own colour space,
+// which only a Dolby Vision decoder turns back into RGB; every other reader
+// sees wrong colours. Other profiles have an HDR10, HLG or SDR base layer.
+bool lacksCompatibleBaseLayer(const QJsonObject& stream)
+{
+    const QJsonValue sideData = stream.value("side_data_list");
+    if (!sideData.isArray())
+        return false;
+    for (const QJsonValue& entry : sideData.toArray())
+        if (entry.isObject() && entry.toObject().contains("dv_profile")
+            && intValue(entry.toObject().value("dv_profile")) == 5)
+            return true;
+    return false;
 }
 
 }  // namespace
@@ -173,6 +188,10 @@ MediaInfo parse(const QString& report)
     if (audio)
         info.audioBitrate = std::max<int64_t>(intValue(audio->value("bit_rate")), 0);
     info.duration = format ? doubleValue(format->value("duration")) : 0.0;
+    if (video && lacksCompatibleBaseLayer(*video))
+        throw FFmpegError::probeFailed(QStringLiteral(
+            "Dolby Vision profile 5 has no picture that other players can show; export an HDR10 or SDR version "
+            "from the phone or camera"));
     if (video) {
         info.width = intValue(video->value("width"));
         info.height = intValue(video->value("height"));

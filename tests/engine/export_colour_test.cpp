@@ -12,6 +12,7 @@
 #include "support/preview_fixtures.h"
 
 #include <QFile>
+#include <QImage>
 #include <QUrl>
 #include <gtest/gtest.h>
 
@@ -252,6 +253,13 @@ TEST_F(ColourExportTest, HdrPhoneClipsBecomeTheSdrPictureTheyWereMadeFromAsThePr
         ASSERT_TRUE(job.deliveryTable);
         const QByteArray original = reference(320, 180);
         const QByteArray seen = preview(job.input, job.sourceColor);
+        // A still, as clips the player cannot play are previewed.
+        const QString still = folder.file("still.png");
+        ASSERT_FALSE(test::failureOf(service.extractFrame(job.input, 0, still, 320, {},
+                                                          {job.sourceColor, 320, 180, job.deliveryTable})));
+        const QImage image = QImage(still).convertToFormat(QImage::Format_RGB888);
+        const QByteArray stillRgb(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes());
+        EXPECT_LT(compare(stillRgb, seen).mean, 1.5);
         for (const bool matched : {true, false}) {
             SCOPED_TRACE(matched ? "matched" : "filter chain");
             const QByteArray file = exported(job, matched, "sdr.mp4");

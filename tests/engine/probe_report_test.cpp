@@ -120,6 +120,20 @@ TEST(ProbeReportParse, MissingPartsGetNeutralValues)
     EXPECT_EQ(oddTypes.fps, 24);
 }
 
+TEST(ProbeReportParse, DolbyVisionPlaysByItsBaseLayerUnlessItHasNone)
+{
+    const QString report = R"({"streams": [{"codec_type": "video", "width": 1920, "height": 1080,
+        "color_transfer": "smpte2084", "side_data_list": [{"side_data_type": "DOVI configuration record",
+        "dv_profile": %1}]}]})";
+    EXPECT_EQ(ProbeReport::parse(report.arg(8)).color.transfer, "smpte2084");
+    try {
+        ProbeReport::parse(report.arg(5));
+        ADD_FAILURE() << "profile 5 accepted";
+    } catch (const FFmpegError& error) {
+        EXPECT_TRUE(error.description().startsWith("Could not read clip: Dolby Vision profile 5"));
+    }
+}
+
 TEST(ProbeReportParse, UnreadableReportsFail)
 {
     for (const char* report : {"", "not json", "[]", "\"text\"", "{\"a\":"}) {
