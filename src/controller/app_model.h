@@ -304,8 +304,7 @@ private:
     std::optional<QString> preparedLUTPath(const std::optional<QString>& source = std::nullopt);
     std::optional<QString> stagedLUTTarget(const QString& source) const;
     // The baked preview grade of a clip in the working folder (written when
-    // `write`, else only named); none when the clip needs no table. Throws
-    // when the chosen LUT could not be read for the preview.
+    // `write`, else only named); none when the clip needs no table.
     std::optional<QString> matchedPreviewCube(const ClipItem& clip, bool write) const;
     // A LUT is chosen that the preview could not read: matched exports fall
     // back to the filter chain.

@@ -6,8 +6,8 @@
 
 #include "engine/delay.h"
 #include "grading/delivery_table.h"
-#include "model/delivery_conversion.h"
 #include "grading/pixel_image.h"
+#include "model/delivery_conversion.h"
 
 #include <QDir>
 #include <QFileInfo>

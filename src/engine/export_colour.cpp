@@ -40,18 +40,22 @@ QStringList outputColorArguments(const ColorTags& output)
             QStringLiteral("-color_range"), output.range};
 }
 
+QStringList readingFilters(const ColorTags& source, int64_t width, int64_t height,
+                           const std::optional<QString>& deliveryTable)
+{
+    QStringList filters{QStringLiteral("scale=") + scalerReadOptions(source, width, height),
+                        QStringLiteral("format=gbrp16le")};
+    if (deliveryTable && !deliveryTable->isEmpty())
+        filters << QStringLiteral("lut3d=file=") + FFmpegService::escapeFilterPath(*deliveryTable)
+                       + QStringLiteral(":interp=trilinear");
+    return filters;
+}
+
 QString videoGraph(const ColorTags& source, int64_t width, int64_t height,
                    const std::optional<QString>& deliveryTable, const QStringList& gradeFilters,
                    const std::optional<VideoNormalization>& normalization, const QString& outputConversion)
 {
-    QStringList filters{
-        QStringLiteral("scale=in_color_matrix=%1:in_range=%2")
-            .arg(sourceMatrix(source, width, height),
-                 isFullRange(source) ? QStringLiteral("pc") : QStringLiteral("tv")),
-        QStringLiteral("format=gbrp16le")};
-    if (deliveryTable && !deliveryTable->isEmpty())
-        filters << QStringLiteral("lut3d=file=") + FFmpegService::escapeFilterPath(*deliveryTable)
-                       + QStringLiteral(":interp=trilinear");
+    QStringList filters = readingFilters(source, width, height, deliveryTable);
     filters << gradeFilters;
     // Pinned, so the size steps cannot hand the final conversion YUV that
     // ffmpeg's default matrix has already made.

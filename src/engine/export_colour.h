@@ -32,6 +32,12 @@ namespace tavrelune::ExportColour {
 // Whether the written matrix is BT.709 (else BT.601).
 bool writesBt709(int64_t width, int64_t height);
 
+// The source read into 16-bit RGB (with its matrix and range), then made SDR
+// by the delivery table when one is given (trilinear, as the preview applies
+// it): the first steps of every export and still.
+QStringList readingFilters(const ColorTags& source, int64_t width, int64_t height,
+                           const std::optional<QString>& deliveryTable);
+
 // The tags (and so the pixels) of an output `width` × `height`; `sharedByParts`
 // for the parts of a combined export.
 ColorTags outputTags(const ColorTags& source, int64_t width, int64_t height, bool sharedByParts);
@@ -41,8 +47,7 @@ QString outputConversion(const ColorTags& output);
 // "-colorspace", "-color_primaries", "-color_trc", "-color_range".
 QStringList outputColorArguments(const ColorTags& output);
 
-// The whole video chain: the source read into RGB, the delivery table when
-// given (trilinear, as the preview applies it), `gradeFilters`, the size
+// The whole video chain: `readingFilters`, `gradeFilters`, the size
 // steps, and `outputConversion`, or 16-bit RGB when that is empty (a
 // watermark is blended afterwards).
 QString videoGraph(const ColorTags& source, int64_t width, int64_t height,

@@ -2,9 +2,8 @@
 #include "engine/frame_extraction.h"
 
 #include "engine/decimal_text.h"
+#include "engine/export_colour.h"
 #include "engine/ffmpeg_service.h"
-
-#include "model/delivery_conversion.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -15,13 +14,8 @@ QStringList frameExtractionArguments(const QString& from, double at, const QStri
                                      int64_t width, const StillColour& colour)
 {
     const double seek = at > 0 ? at : 0;  // also maps NaN to 0
-    QStringList filters{QStringLiteral("scale=in_color_matrix=%1:in_range=%2")
-                            .arg(sourceMatrix(colour.tags, colour.width, colour.height),
-                                 isFullRange(colour.tags) ? QStringLiteral("pc") : QStringLiteral("tv")),
-                        QStringLiteral("format=gbrp16le")};
-    if (colour.deliveryTable)
-        filters << QStringLiteral("lut3d=file=") + FFmpegService::escapeFilterPath(*colour.deliveryTable)
-                       + QStringLiteral(":interp=trilinear");
+    QStringList filters =
+        ExportColour::readingFilters(colour.tags, colour.width, colour.height, colour.deliveryTable);
     filters << QStringLiteral("scale=%1:-2:flags=bicubic,format=rgb24").arg(width);
     return {QStringLiteral("-nostdin"), QStringLiteral("-hide_banner"), QStringLiteral("-loglevel"),
             QStringLiteral("error"), QStringLiteral("-y"),

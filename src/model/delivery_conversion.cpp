@@ -53,6 +53,12 @@ bool isFullRange(const ColorTags& tags)
     return tags.range == QLatin1String("pc");
 }
 
+QString scalerReadOptions(const ColorTags& tags, int64_t width, int64_t height)
+{
+    return QStringLiteral("in_color_matrix=%1:in_range=%2")
+        .arg(sourceMatrix(tags, width, height), isFullRange(tags) ? QStringLiteral("pc") : QStringLiteral("tv"));
+}
+
 QString deliveryConversionName(DeliveryConversion conversion)
 {
     switch (conversion) {

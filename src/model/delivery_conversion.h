@@ -36,6 +36,8 @@ QString deliveryConversionLabel(DeliveryConversion conversion);
 // limited range unless tagged full ("pc").
 QString sourceMatrix(const ColorTags& tags, int64_t width, int64_t height);
 bool isFullRange(const ColorTags& tags);
+// Both as options of ffmpeg's scale filter: "in_color_matrix=…:in_range=…".
+QString scalerReadOptions(const ColorTags& tags, int64_t width, int64_t height);
 // The rule for a stream that names no matrix: BT.709 for HD.
 bool looksHighDefinition(int64_t width, int64_t height);
 

@@ -98,8 +98,7 @@ void ClipPreviewPlayer::prepareVideo(std::uint64_t hookID)
             shape.rotation = track->value("demux-rotation", 0).toInt();
             if (const DeliveryConversion kind = deliveryConversionFor(pendingColour_);
                 kind != DeliveryConversion::none) {
-                shape.rgbMatrix = sourceMatrix(pendingColour_, shape.width, shape.height);
-                shape.fullRange = isFullRange(pendingColour_);
+                shape.scalerReadOptions = scalerReadOptions(pendingColour_, shape.width, shape.height);
                 shape.deliveryTable = deliveryTable(kind);
             }
             const PreviewFilter filter = previewFilterFor(shape);

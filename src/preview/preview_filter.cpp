@@ -29,11 +29,10 @@ PreviewFilter previewFilterFor(const VideoTrackShape& track, int maximumSide)
     PreviewFilter filter;
     filter.frameSize = sideways ? QSize(scaledHeight, scaledWidth) : QSize(scaledWidth, scaledHeight);
     QString toRgb;
-    if (!track.rgbMatrix.isEmpty() && !track.deliveryTable.isEmpty())
-        toRgb = QStringLiteral(":in_color_matrix=%1:in_range=%2,format=gbrp16le,lut3d=file=%3:interp=trilinear,"
-                               "format=bgr0,setparams=range=pc:color_primaries=bt709:color_trc=bt709:colorspace=gbr")
-                    .arg(track.rgbMatrix, track.fullRange ? QStringLiteral("pc") : QStringLiteral("tv"),
-                         track.deliveryTable);
+    if (!track.scalerReadOptions.isEmpty() && !track.deliveryTable.isEmpty())
+        toRgb = QStringLiteral(":%1,format=gbrp16le,lut3d=file=%2:interp=trilinear,format=bgr0,"
+                               "setparams=range=pc:color_primaries=bt709:color_trc=bt709:colorspace=gbr")
+                    .arg(track.scalerReadOptions, track.deliveryTable);
     filter.mpvFilter = QStringLiteral("lavfi=[scale=w=%1:h=%2:flags=bilinear%3,setsar=1%4]")
                            .arg(scaledWidth)
                            .arg(scaledHeight)
