@@ -370,12 +370,12 @@ void AppModel::prepareColour(ClipConversion& job, const ClipItem& clip, QStringL
     const DeliveryConversion conversion = deliveryConversionFor(clip.color);
     if (conversion == DeliveryConversion::none)
         return;
-    // The dry run names the file a run would write.
-    const QString path = written ? DeliveryTable::writeTable(workspace_, conversion)
-                                 : QDir(workspace_).filePath(QStringLiteral("delivery-%1.cube")
-                                                                 .arg(deliveryConversionName(conversion)));
-    remember(path);
-    job.deliveryTable = path;
+    // The dry run names the files a run would write.
+    const DeliveryTable::TableFiles tables = written ? DeliveryTable::writeTables(workspace_, conversion)
+                                                     : DeliveryTable::tableFiles(workspace_, conversion);
+    remember(tables.light);
+    remember(tables.encoding);
+    job.deliveryTables = tables;
 }
 
 std::optional<QString> AppModel::stagedLUTTarget(const QString& source) const

@@ -157,7 +157,7 @@ QCoro::Task<void> AppModel::extractSourceFrame(QUuid clipID, QUrl url, double du
                 colour = {clip->color, clip->width.value_or(0), clip->height.value_or(0), std::nullopt};
                 if (const DeliveryConversion conversion = deliveryConversionFor(clip->color);
                     conversion != DeliveryConversion::none)
-                    colour.deliveryTable = DeliveryTable::writeTable(workspace_, conversion);
+                    colour.deliveryTables = DeliveryTable::writeTables(workspace_, conversion);
             }
             co_await ffmpeg_.extractFrame(url.toLocalFile(), stillTime(duration, fraction), target, 1280, stop,
                                           colour);

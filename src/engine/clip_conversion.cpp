@@ -81,7 +81,7 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
     }
     // With a watermark the chain ends in RGB, blended there, and converted after.
     const QString grade =
-        ExportColour::videoGraph(job.sourceColor, job.width, job.height, job.deliveryTable, gradeFilters,
+        ExportColour::videoGraph(job.sourceColor, job.width, job.height, job.deliveryTables, gradeFilters,
                                  job.normalization, job.watermark ? QString() : toOutput);
 
     QStringList arguments{QStringLiteral("-nostdin"), QStringLiteral("-hide_banner"),

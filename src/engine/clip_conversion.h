@@ -5,6 +5,7 @@
 #pragma once
 
 #include "engine/video_encoder.h"
+#include "grading/delivery_table.h"
 #include "model/encode_settings.h"
 #include "model/media_info.h"
 #include "watermark/watermark_settings.h"
@@ -41,10 +42,10 @@ struct ClipConversion {
     // neutral clip without LUT), which replaces the LUT and the four values.
     std::optional<QString> bakedCube;
     // The source's colour tags, which say how its pixels are read, and the
-    // table that brings an HDR or BT.2020 source to SDR BT.709 (see
+    // tables that bring an HDR or BT.2020 source to SDR BT.709 (see
     // export_colour.h), in both export modes.
     ColorTags sourceColor;
-    std::optional<QString> deliveryTable;
+    std::optional<DeliveryTable::TableFiles> deliveryTables;
 
     bool operator==(const ClipConversion&) const = default;
 

@@ -41,21 +41,27 @@ QStringList outputColorArguments(const ColorTags& output)
 }
 
 QStringList readingFilters(const ColorTags& source, int64_t width, int64_t height,
-                           const std::optional<QString>& deliveryTable)
+                           const std::optional<DeliveryTable::TableFiles>& deliveryTables)
 {
-    QStringList filters{QStringLiteral("scale=") + scalerReadOptions(source, width, height),
-                        QStringLiteral("format=gbrp16le")};
-    if (deliveryTable && !deliveryTable->isEmpty())
-        filters << QStringLiteral("lut3d=file=") + FFmpegService::escapeFilterPath(*deliveryTable)
-                       + QStringLiteral(":interp=trilinear");
+    QStringList filters;
+    if (!deliveryTables)
+        filters << QStringLiteral("scale=") + scalerReadOptions(source, width, height);
+    else
+        filters << QStringLiteral("zscale=") + zscaleReadOptions(source, width, height)
+                << QStringLiteral("format=gbrpf32le")
+                << QStringLiteral("lut3d=file=") + FFmpegService::escapeFilterPath(deliveryTables->light)
+                       + QStringLiteral(":interp=trilinear")
+                << QStringLiteral("lut1d=file=") + FFmpegService::escapeFilterPath(deliveryTables->encoding)
+                       + QStringLiteral(":interp=linear");
+    filters << QStringLiteral("format=gbrp16le");
     return filters;
 }
 
 QString videoGraph(const ColorTags& source, int64_t width, int64_t height,
-                   const std::optional<QString>& deliveryTable, const QStringList& gradeFilters,
+                   const std::optional<DeliveryTable::TableFiles>& deliveryTables, const QStringList& gradeFilters,
                    const std::optional<VideoNormalization>& normalization, const QString& outputConversion)
 {
-    QStringList filters = readingFilters(source, width, height, deliveryTable);
+    QStringList filters = readingFilters(source, width, height, deliveryTables);
     filters << gradeFilters;
     // Pinned, so the size steps cannot hand the final conversion YUV that
     // ffmpeg's default matrix has already made.

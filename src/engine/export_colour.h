@@ -19,6 +19,7 @@
 // ffmpeg's (scale's in_color_matrix values, -colorspace values).
 #pragma once
 
+#include "grading/delivery_table.h"
 #include "model/encode_settings.h"
 #include "model/media_info.h"
 
@@ -32,11 +33,11 @@ namespace tavrelune::ExportColour {
 // Whether the written matrix is BT.709 (else BT.601).
 bool writesBt709(int64_t width, int64_t height);
 
-// The source read into 16-bit RGB (with its matrix and range), then made SDR
-// by the delivery table when one is given (trilinear, as the preview applies
-// it): the first steps of every export and still.
+// The source read into RGB (with its matrix and range), made SDR by the
+// delivery tables when given (in float, as the preview applies them), in
+// 16-bit RGB: the first steps of every export and still.
 QStringList readingFilters(const ColorTags& source, int64_t width, int64_t height,
-                           const std::optional<QString>& deliveryTable);
+                           const std::optional<DeliveryTable::TableFiles>& deliveryTables);
 
 // The tags (and so the pixels) of an output `width` × `height`; `sharedByParts`
 // for the parts of a combined export.
@@ -51,7 +52,7 @@ QStringList outputColorArguments(const ColorTags& output);
 // steps, and `outputConversion`, or 16-bit RGB when that is empty (a
 // watermark is blended afterwards).
 QString videoGraph(const ColorTags& source, int64_t width, int64_t height,
-                   const std::optional<QString>& deliveryTable, const QStringList& gradeFilters,
+                   const std::optional<DeliveryTable::TableFiles>& deliveryTables, const QStringList& gradeFilters,
                    const std::optional<VideoNormalization>& normalization, const QString& outputConversion);
 
 }  // namespace tavrelune::ExportColour

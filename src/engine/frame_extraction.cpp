@@ -15,7 +15,7 @@ QStringList frameExtractionArguments(const QString& from, double at, const QStri
 {
     const double seek = at > 0 ? at : 0;  // also maps NaN to 0
     QStringList filters =
-        ExportColour::readingFilters(colour.tags, colour.width, colour.height, colour.deliveryTable);
+        ExportColour::readingFilters(colour.tags, colour.width, colour.height, colour.deliveryTables);
     filters << QStringLiteral("scale=%1:-2:flags=bicubic,format=rgb24").arg(width);
     return {QStringLiteral("-nostdin"), QStringLiteral("-hide_banner"), QStringLiteral("-loglevel"),
             QStringLiteral("error"), QStringLiteral("-y"),

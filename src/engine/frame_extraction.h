@@ -4,6 +4,7 @@
 // follows the source's aspect, rounded to an even number.
 #pragma once
 
+#include "grading/delivery_table.h"
 #include "model/media_info.h"
 
 #include <QString>
@@ -15,12 +16,12 @@ namespace tavrelune {
 
 // How the clip's pixels are read, as the preview and the export read them
 // (see model/delivery_conversion.h): its tags and size, and the delivery
-// table that makes an HDR or BT.2020 clip SDR.
+// tables that make an HDR or BT.2020 clip SDR.
 struct StillColour {
     ColorTags tags;
     int64_t width = 0;
     int64_t height = 0;
-    std::optional<QString> deliveryTable;
+    std::optional<DeliveryTable::TableFiles> deliveryTables;
 };
 
 // The image format follows the output's extension. Negative or NaN times

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QSaveFile>
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <memory>
 #include <vector>
@@ -75,7 +76,7 @@ Colour hdrLight(DeliveryConversion conversion, Colour code)
 double shoulder(double relative)
 {
     if (!(relative > shoulderStart))
-        return std::max(relative, 0.0);
+        return relative;
     // Extended Reinhard on the part above the knee: slope 1 where it starts,
     // and the nominal peak lands exactly on white.
     const double room = 1 - shoulderStart;
@@ -100,15 +101,17 @@ Colour light(DeliveryConversion conversion, Colour code)
     case DeliveryConversion::wideGamut: {
         const Colour linear = toBt709Primaries({std::pow(code.red, displayGamma), std::pow(code.green, displayGamma),
                                                 std::pow(code.blue, displayGamma)});
-        return {std::clamp(linear.red, 0.0, 1.0), std::clamp(linear.green, 0.0, 1.0),
-                std::clamp(linear.blue, 0.0, 1.0)};
+        return linear;
     }
     case DeliveryConversion::hlg:
     case DeliveryConversion::pq:
         break;
     }
     const Colour linear = toBt709Primaries(hdrLight(conversion, code));
-    return {shoulder(linear.red), shoulder(linear.green), shoulder(linear.blue)};
+    // Light outside the gamut (below 0) is bent the same way, so it stays
+    // smooth and bounded in the table; the encoding clips it.
+    const auto bend = [](double value) { return value < 0 ? -shoulder(-value) : shoulder(value); };
+    return {bend(linear.red), bend(linear.green), bend(linear.blue)};
 }
 
 Colour convert(DeliveryConversion conversion, Colour code)
@@ -127,7 +130,7 @@ CubeLUT table(DeliveryConversion conversion, int size)
     for (int b = 0; b < size; ++b)
         for (int g = 0; g < size; ++g)
             for (int r = 0; r < size; ++r, out += 4) {
-                const Colour converted = convert(conversion, {r * step, g * step, b * step});
+                const Colour converted = light(conversion, {r * step, g * step, b * step});
                 out[0] = static_cast<float>(converted.red);
                 out[1] = static_cast<float>(converted.green);
                 out[2] = static_cast<float>(converted.blue);
@@ -139,18 +142,41 @@ CubeLUT table(DeliveryConversion conversion, int size)
     return lut;
 }
 
-QString writeTable(const QString& folder, DeliveryConversion conversion)
+QByteArray encodingText(int size)
 {
-    const QString path =
-        QDir(folder).filePath(QStringLiteral("delivery-%1.cube").arg(deliveryConversionName(conversion)));
-    if (QFileInfo(path).isFile())
-        return path;
-    const QByteArray text = cubeText(table(conversion));
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit())
-        throw PlatformError(QStringLiteral("Could not write the colour table %1: %2")
-                                .arg(QDir::toNativeSeparators(path), file.errorString()));
-    return path;
+    QByteArray out = "# Tavrelune display encoding (gamma 2.4)\nLUT_1D_SIZE " + QByteArray::number(size) + '\n';
+    char buffer[32];
+    for (int i = 0; i < size; ++i) {
+        const double value = encodeForDisplay(double(i) / (size - 1));
+        const char* end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 7).ptr;
+        const QByteArray number(buffer, end - buffer);
+        out += number + ' ' + number + ' ' + number + '\n';
+    }
+    return out;
+}
+
+TableFiles tableFiles(const QString& folder, DeliveryConversion conversion)
+{
+    const QDir dir(folder);
+    return {dir.filePath(QStringLiteral("delivery-%1.cube").arg(deliveryConversionName(conversion))),
+            dir.filePath(QStringLiteral("delivery-encoding.cube"))};
+}
+
+TableFiles writeTables(const QString& folder, DeliveryConversion conversion)
+{
+    const TableFiles files = tableFiles(folder, conversion);
+    const auto write = [](const QString& path, const auto& makeText) {
+        if (QFileInfo(path).isFile())
+            return;
+        const QByteArray text = makeText();
+        QSaveFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit())
+            throw PlatformError(QStringLiteral("Could not write the colour table %1: %2")
+                                    .arg(QDir::toNativeSeparators(path), file.errorString()));
+    };
+    write(files.light, [conversion] { return cubeText(table(conversion)); });
+    write(files.encoding, [] { return encodingText(); });
+    return files;
 }
 
 }  // namespace tavrelune::DeliveryTable

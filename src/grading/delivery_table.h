@@ -1,6 +1,6 @@
 // The conversion of a source's own RGB code values to SDR BT.709 (see
-// model/delivery_conversion.h): the exact formulas, and the 3D table that
-// the live preview and the export both apply.
+// model/delivery_conversion.h): the exact formulas, and the tables that the
+// live preview and the export both apply.
 //
 // HDR is display-referred, as BT.2100 defines it:
 //   - PQ code values give absolute light (ST 2084); SDR white is 203 cd/m².
@@ -12,16 +12,19 @@
 // Everything up to `shoulderStart` of SDR white is kept as it is; above it a
 // soft shoulder compresses highlights up to `nominalPeak` (1000 cd/m²) into
 // what is left below white, per channel; brighter light clips. Colours
-// outside BT.709 clip at 0. The result is encoded for a BT.1886 display
-// (gamma 2.4), the curve SDR video is watched with.
+// outside BT.709 clip at 0, per channel. The result is encoded for a
+// BT.1886 display (gamma 2.4), the curve SDR video is watched with.
 //
 // An SDR BT.2020 source is decoded with gamma 2.4, moved to BT.709
 // primaries, clipped to 0…1 and encoded again.
 //
-// The preview (in mpv's filter) and the export (in ffmpeg's chain) both
-// apply the table with ffmpeg's lut3d (trilinear) on 16-bit RGB. Gamma 2.4
-// rises without limit at black, so the table errs most in the cells next to
-// a channel's zero (saturated colours whose weakest channel is nearly black).
+// It is applied as two tables, by ffmpeg on 32-bit float RGB in both the
+// preview (in mpv's filter) and the export: a 3D table (lut3d, trilinear)
+// from code values to linear light, signed, so that light outside the gamut
+// stays smooth across the table's cells; then a fine 1D table (lut1d) that
+// clips and encodes for the display. One table over the encoded result
+// would lift the weakest channel of every saturated colour, since gamma 2.4
+// rises without limit from 0.
 //
 // Units: code values and results are 0…1. Pure functions, any thread, except
 // `writeTables`, which touches only the files it names.
@@ -37,28 +40,39 @@ inline constexpr double sdrWhiteNits = 203;
 inline constexpr double nominalPeakNits = 1000;
 // Relative to SDR white: below this light passes unchanged.
 inline constexpr double shoulderStart = 0.8;
-// Points per axis of the table.
+// Points per axis of the 3D table, and of the 1D encoding table.
 inline constexpr int tableSize = 64;
+inline constexpr int encodingSize = 16384;
 
 // The exact conversion of one colour of code values (clamped to 0…1 first).
 GradePipeline::Colour convert(DeliveryConversion conversion, GradePipeline::Colour code);
 
-// Linear light relative to SDR white, after the shoulder (0…1).
+// Linear light relative to SDR white through the shoulder: unchanged up
+// to `shoulderStart`, at most 1.
 double shoulder(double relative);
 
-// Linear light in BT.709 primaries (0…1, after the shoulder): the
-// conversion without the display encoding.
+// Linear light in BT.709 primaries relative to SDR white, before clipping:
+// negative outside the gamut, bent by the shoulder on both sides (so at
+// most 1 either way).
 GradePipeline::Colour light(DeliveryConversion conversion, GradePipeline::Colour code);
-// Gamma 2.4 encoding of linear light, clamped to 0…1.
+// Gamma 2.4 encoding of linear light, clipped to 0…1 first.
 double encodeForDisplay(double linear);
 
-// `convert` sampled at `size` points per axis over the code values; an
-// empty (invalid) table for DeliveryConversion::none.
+// `light` sampled at `size` points per axis over the code values; an empty
+// (invalid) table for DeliveryConversion::none.
 CubeLUT table(DeliveryConversion conversion, int size = tableSize);
+// `.cube` text of the 1D encoding table.
+QByteArray encodingText(int size = encodingSize);
 
-// Writes the table of `conversion` into `folder` as "delivery-<name>.cube"
-// (unless there already) and returns its path. Throws PlatformError when
-// the file cannot be written.
-QString writeTable(const QString& folder, DeliveryConversion conversion);
+struct TableFiles {
+    QString light;     // "delivery-<name>.cube": the 3D table
+    QString encoding;  // "delivery-encoding.cube": the 1D table, shared
+    bool operator==(const TableFiles&) const = default;
+};
+// Where writeTables puts the tables of `conversion` in `folder`.
+TableFiles tableFiles(const QString& folder, DeliveryConversion conversion);
+// Writes both tables into `folder` (each unless there already) and returns
+// their paths. Throws PlatformError when a file cannot be written.
+TableFiles writeTables(const QString& folder, DeliveryConversion conversion);
 
 }  // namespace tavrelune::DeliveryTable

@@ -59,6 +59,18 @@ QString scalerReadOptions(const ColorTags& tags, int64_t width, int64_t height)
         .arg(sourceMatrix(tags, width, height), isFullRange(tags) ? QStringLiteral("pc") : QStringLiteral("tv"));
 }
 
+QString zscaleReadOptions(const ColorTags& tags, int64_t width, int64_t height)
+{
+    const QString matrix = sourceMatrix(tags, width, height);
+    const QString zimgMatrix = matrix == QLatin1String("bt2020")  ? QStringLiteral("2020_ncl")
+                             : matrix == QLatin1String("bt601")   ? QStringLiteral("170m")
+                             : matrix == QLatin1String("bt709")   ? QStringLiteral("709")
+                             : matrix == QLatin1String("smpte240m") ? QStringLiteral("240m")
+                                                                  : matrix;
+    return QStringLiteral("min=%1:rin=%2:m=gbr:r=full")
+        .arg(zimgMatrix, isFullRange(tags) ? QStringLiteral("full") : QStringLiteral("limited"));
+}
+
 QString deliveryConversionName(DeliveryConversion conversion)
 {
     switch (conversion) {

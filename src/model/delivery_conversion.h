@@ -38,6 +38,11 @@ QString sourceMatrix(const ColorTags& tags, int64_t width, int64_t height);
 bool isFullRange(const ColorTags& tags);
 // Both as options of ffmpeg's scale filter: "in_color_matrix=…:in_range=…".
 QString scalerReadOptions(const ColorTags& tags, int64_t width, int64_t height);
+// Both as options of ffmpeg's zscale filter, reading into full-range RGB
+// ("min=…:rin=…:m=gbr:r=full"). zimg converts 10-bit YUV to float RGB
+// exactly; the scaler's fixed-point conversion leaves errors that an HDR
+// conversion magnifies in the weakest channel of saturated colours.
+QString zscaleReadOptions(const ColorTags& tags, int64_t width, int64_t height);
 // The rule for a stream that names no matrix: BT.709 for HD.
 bool looksHighDefinition(int64_t width, int64_t height);
 

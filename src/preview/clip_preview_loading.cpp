@@ -98,8 +98,10 @@ void ClipPreviewPlayer::prepareVideo(std::uint64_t hookID)
             shape.rotation = track->value("demux-rotation", 0).toInt();
             if (const DeliveryConversion kind = deliveryConversionFor(pendingColour_);
                 kind != DeliveryConversion::none) {
-                shape.scalerReadOptions = scalerReadOptions(pendingColour_, shape.width, shape.height);
-                shape.deliveryTable = deliveryTable(kind);
+                shape.zscaleReadOptions = zscaleReadOptions(pendingColour_, shape.width, shape.height);
+                const DeliveryTable::TableFiles tables = deliveryTables(kind);
+                shape.lightTable = tables.light;
+                shape.encodingTable = tables.encoding;
             }
             const PreviewFilter filter = previewFilterFor(shape);
             if (!filter.frameSize.isEmpty()) {
@@ -113,16 +115,16 @@ void ClipPreviewPlayer::prepareVideo(std::uint64_t hookID)
     mpv_hook_continue(mpv_, hookID);
 }
 
-QString ClipPreviewPlayer::deliveryTable(DeliveryConversion kind)
+DeliveryTable::TableFiles ClipPreviewPlayer::deliveryTables(DeliveryConversion kind)
 {
     if (!tableFolder_)
         tableFolder_ = std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/tavrelune-preview-XXXXXX"));
     try {
         if (tableFolder_->isValid())
-            return DeliveryTable::writeTable(tableFolder_->path(), kind);
+            return DeliveryTable::writeTables(tableFolder_->path(), kind);
     } catch (const Error&) {
     }
-    qWarning("tavrelune: the preview's colour table could not be written; HDR shows unconverted");
+    qWarning("tavrelune: the preview's colour tables could not be written; HDR shows unconverted");
     return {};
 }
 

@@ -152,7 +152,7 @@ private:
     void handleReply(std::uint64_t userdata, int error, const mpv_event& event);
     void handlePropertyChange(const mpv_event& event);
     void prepareVideo(std::uint64_t hookID);
-    QString deliveryTable(DeliveryConversion kind);
+    DeliveryTable::TableFiles deliveryTables(DeliveryConversion kind);
     void inspectLoadedFile();
     void settleLoads(bool playable);
     void issueSeek(double seconds, bool exact);

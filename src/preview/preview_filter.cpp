@@ -28,15 +28,15 @@ PreviewFilter previewFilterFor(const VideoTrackShape& track, int maximumSide)
     static const char* const turn[] = {"", ",transpose=clock", ",hflip,vflip", ",transpose=cclock"};
     PreviewFilter filter;
     filter.frameSize = sideways ? QSize(scaledHeight, scaledWidth) : QSize(scaledWidth, scaledHeight);
-    QString toRgb;
-    if (!track.scalerReadOptions.isEmpty() && !track.deliveryTable.isEmpty())
-        toRgb = QStringLiteral(":%1,format=gbrp16le,lut3d=file=%2:interp=trilinear,format=bgr0,"
-                               "setparams=range=pc:color_primaries=bt709:color_trc=bt709:colorspace=gbr")
-                    .arg(track.scalerReadOptions, track.deliveryTable);
-    filter.mpvFilter = QStringLiteral("lavfi=[scale=w=%1:h=%2:flags=bilinear%3,setsar=1%4]")
-                           .arg(scaledWidth)
-                           .arg(scaledHeight)
-                           .arg(toRgb, QLatin1String(turn[turns]));
+    const QString size = QStringLiteral("w=%1:h=%2").arg(scaledWidth).arg(scaledHeight);
+    const QString resize =
+        track.zscaleReadOptions.isEmpty() || track.lightTable.isEmpty()
+            ? QStringLiteral("scale=%1:flags=bilinear").arg(size)
+            : QStringLiteral("zscale=%1:filter=bilinear:%2,format=gbrpf32le,lut3d=file=%3:interp=trilinear,"
+                             "lut1d=file=%4:interp=linear,format=bgr0,"
+                             "setparams=range=pc:color_primaries=bt709:color_trc=bt709:colorspace=gbr")
+                  .arg(size, track.zscaleReadOptions, track.lightTable, track.encodingTable);
+    filter.mpvFilter = QStringLiteral("lavfi=[%1,setsar=1%2]").arg(resize, QLatin1String(turn[turns]));
     return filter;
 }
 

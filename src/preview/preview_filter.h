@@ -24,12 +24,13 @@ struct VideoTrackShape {
     double pixelAspect = 1;  // sample aspect ratio; 0 or less counts as 1
     int rotation = 0;        // clockwise degrees to turn the picture upright
     // For an HDR or BT.2020 clip: the filter itself reads the frames into
-    // 16-bit RGB with these scale options (its matrix and range),
-    // applies the delivery table (a `.cube` file; see
-    // grading/delivery_table.h) as the export does, and labels the result
+    // float RGB with these zscale options (its matrix and range), applies
+    // the delivery tables (`.cube` files; see grading/delivery_table.h) as
+    // the export does, and labels the result
     // plain SDR RGB, so the render call passes it through untouched.
-    QString scalerReadOptions;
-    QString deliveryTable;
+    QString zscaleReadOptions;
+    QString lightTable;
+    QString encodingTable;
 };
 
 struct PreviewFilter {

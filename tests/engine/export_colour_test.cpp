@@ -43,10 +43,11 @@ TEST(ExportColour, BothModesReadTheSourceExplicitlyAndTagTheOutput)
     // the delivery table first, graded, written and tagged BT.709.
     job.settings.matchPreview = false;
     job.sourceColor = {.space = "bt2020nc", .range = "tv", .primaries = "bt2020", .transfer = "smpte2084"};
-    job.deliveryTable = "/w/delivery-pq.cube";
+    job.deliveryTables = DeliveryTable::tableFiles("/w", DeliveryConversion::pq);
     EXPECT_EQ(conversionArguments(job, encoder).join(' '),
-              "-nostdin -hide_banner -loglevel error -y -i /in/c.mov -vf scale=in_color_matrix=bt2020:in_range=tv,"
-              "format=gbrp16le,lut3d=file=/w/delivery-pq.cube:interp=trilinear,exposure=exposure=0.3000,"
+              "-nostdin -hide_banner -loglevel error -y -i /in/c.mov -vf zscale=min=2020_ncl:rin=limited:m=gbr:r=full,"
+              "format=gbrpf32le,lut3d=file=/w/delivery-pq.cube:interp=trilinear,"
+              "lut1d=file=/w/delivery-encoding.cube:interp=linear,format=gbrp16le,exposure=exposure=0.3000,"
               "lut3d=file=/w/active-lut.cube:interp=tetrahedral,scale=trunc(iw/2)*2:trunc(ih/2)*2,format=gbrp16le,"
               "scale=out_color_matrix=bt709:out_range=tv,format=yuv420p -map 0:v:0 "
               + videoEncodingArguments(encoder, VideoCodec::hevc, 13478).join(' ') + tail);
@@ -173,7 +174,7 @@ protected:
         job.sourceColor = waitForTask(service.probe(path)).color;
         const DeliveryConversion conversion = deliveryConversionFor(job.sourceColor);
         if (conversion != DeliveryConversion::none) {
-            job.deliveryTable = DeliveryTable::writeTable(folder.path(), conversion);
+            job.deliveryTables = DeliveryTable::writeTables(folder.path(), conversion);
         }
         return job;
     }
@@ -250,13 +251,13 @@ TEST_F(ColourExportTest, HdrPhoneClipsBecomeTheSdrPictureTheyWereMadeFromAsThePr
                               "format=gbrpf32le,zscale=p=bt2020:t=" + transfer
                             + ":m=bt2020nc:r=tv:npl=203,format=yuv420p10le";
         const ClipConversion job = source("hdr.mp4", 320, 180, toHdr, hevc10 + QStringList{transfer});
-        ASSERT_TRUE(job.deliveryTable);
+        ASSERT_TRUE(job.deliveryTables);
         const QByteArray original = reference(320, 180);
         const QByteArray seen = preview(job.input, job.sourceColor);
         // A still, as clips the player cannot play are previewed.
         const QString still = folder.file("still.png");
         ASSERT_FALSE(test::failureOf(service.extractFrame(job.input, 0, still, 320, {},
-                                                          {job.sourceColor, 320, 180, job.deliveryTable})));
+                                                          {job.sourceColor, 320, 180, job.deliveryTables})));
         const QImage image = QImage(still).convertToFormat(QImage::Format_RGB888);
         const QByteArray stillRgb(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes());
         EXPECT_LT(compare(stillRgb, seen).mean, 1.5);

@@ -61,7 +61,7 @@ TEST(DeliveryTable, ShoulderKeepsSdrLightAndBendsSmoothlyUpToThePeak)
     }
 }
 
-TEST(DeliveryTable, TableFollowsTheFormulasWithinAStep)
+TEST(DeliveryTable, TablesFollowTheFormulasWithinAStep)
 {
     std::mt19937 random(20261123);
     std::uniform_real_distribution<double> unit(0, 1);
@@ -74,20 +74,22 @@ TEST(DeliveryTable, TableFollowsTheFormulasWithinAStep)
         for (int i = 0; i < samples; ++i) {
             const Colour code{unit(random), unit(random), unit(random)};
             const Colour exact = DeliveryTable::convert(conversion, code);
-            const Colour looked = GradePipeline::lookUp(table, code);
+            const Colour linear = GradePipeline::lookUp(table, code);
+            const Colour looked{DeliveryTable::encodeForDisplay(linear.red),
+                                DeliveryTable::encodeForDisplay(linear.green),
+                                DeliveryTable::encodeForDisplay(linear.blue)};
             for (const double error : {looked.red - exact.red, looked.green - exact.green, looked.blue - exact.blue})
                 errors.push_back(std::abs(toSteps(error)));
         }
         std::sort(errors.begin(), errors.end());
         const double mean = std::accumulate(errors.begin(), errors.end(), 0.0) / double(errors.size());
         const double p99 = errors[errors.size() * 99 / 100];
-        // The largest errors sit in the cells next to a channel's zero,
-        // where gamma 2.4 rises without limit: saturated colours whose
-        // weakest channel is nearly black.
+        // The largest errors sit in PQ's brightest saturated highlights
+        // (above about 700 cd/m²), where the shoulder bends within a cell.
         std::printf("%s table vs formula: mean %.3f, p99 %.2f, max %.1f steps of 1/255\n",
                     qPrintable(deliveryConversionName(conversion)), mean, p99, errors.back());
-        EXPECT_LT(mean, 0.6);
-        EXPECT_LT(p99, 12.0);
+        EXPECT_LT(mean, 0.2);
+        EXPECT_LT(p99, 1.5);
     }
     EXPECT_FALSE(DeliveryTable::table(DeliveryConversion::none).isValid());
 }
