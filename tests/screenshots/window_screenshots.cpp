@@ -2,8 +2,8 @@
 // look at: empty; three clips with one selected, graded and trimmed;
 // converting; the error alert; the window at its smallest; a clip playing
 // graded with the watermark dragged into place; the same held on
-// "Original"; a clip that cannot play live, shown as its graded still; the
-// "In & Out" window at rest and in the middle of a drag. Real clips made by
+// "Original"; a clip that cannot play live, shown as its graded still; a
+// phone's HDR clip shown as SDR; the "In & Out" window at rest and in the middle of a drag. Real clips made by
 // ffmpeg, the real controller, the real widgets, real mouse events.
 //
 // Usage: window_screenshots OUTPUT_FOLDER (run under an X server).
@@ -269,6 +269,22 @@ int main(int argc, char** argv)
     waitUntil([&] { return stage.content() == ui::PreviewStage::Content::still && !model.isPreviewing(); }, 20000);
     settle(400);
     save(window.grab(), shots, "9-unplayable-still.png");
+
+    // A phone's HDR clip (HEVC 10-bit, HLG): shown as SDR, the row and the
+    // inspector saying so.
+    const QString phone = media + "/PXL_0412_hlg.mp4";
+    test::runTool("ffmpeg", {"-nostdin", "-loglevel", "error", "-y", "-f", "lavfi", "-i",
+                             "testsrc2=size=1280x720:rate=30:duration=3,format=gbrp", "-vf",
+                             "zscale=pin=bt709:tin=bt709:min=gbr:rin=full:p=bt709:t=linear:npl=203,format=gbrpf32le,"
+                             "zscale=p=bt2020:t=arib-std-b67:m=bt2020nc:r=tv:npl=203,format=yuv420p10le",
+                             "-c:v", "libx265", "-x265-params", "log-level=error", "-colorspace", "bt2020nc",
+                             "-color_primaries", "bt2020", "-color_trc", "arib-std-b67", phone});
+    model.addURLs({QUrl::fromLocalFile(phone)});
+    waitForTask(model.probesFinished());
+    model.selectClip(model.clips().last().id);
+    waitUntil([&] { return model.clock().isPlayable(); }, 10000);
+    settle(1500);
+    save(window.grab(), shots, "10-hdr-phone-clip.png");
 
     // The "In & Out" window for the trimmed clip, once its first frame is on
     // screen; then with the out handle held mid-drag, the picture following
