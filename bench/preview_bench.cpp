@@ -29,6 +29,7 @@ struct Run {
     QString name;
     QString path;
     double fps = 0;
+    ColorTags colour;
 };
 
 double cpuSeconds()
@@ -86,7 +87,7 @@ void play(const Run& run, bool graded, double seconds, const std::optional<CubeL
     bool ended = false;
     player.onEnded = [&] { ended = true; };
 
-    if (!waitForTask(player.load(QUrl::fromLocalFile(run.path)))) {
+    if (!waitForTask(player.load(QUrl::fromLocalFile(run.path), run.colour))) {
         std::printf("%-16s cannot be played\n", qPrintable(run.name));
         return;
     }
@@ -142,7 +143,9 @@ int main(int argc, char** argv)
             lut = CubeLUT::load(arguments[++i]);
         } else if (argument.contains('=')) {
             Run run{argument.section('=', 0, 0), argument.section('=', 1)};
-            run.fps = waitForTask(ffmpeg.probe(run.path)).fps;
+            const MediaInfo info = waitForTask(ffmpeg.probe(run.path));
+            run.fps = info.fps;
+            run.colour = info.color;  // HDR clips take the delivery conversion
             runs.push_back(run);
         } else {
             std::fprintf(stderr, "usage: preview_bench [--seconds N] [--lut FILE] NAME=CLIP...\n");

@@ -32,6 +32,18 @@ if [[ ! -f "$clips/4k30-hevc10-phone.mp4" ]]; then
     -metadata:s:v:0 rotate=90 "$clips/4k30-hevc10-phone.mp4"
 fi
 
+# The same phone clip as HLG and as PQ (the tags rewritten in the stream):
+# the preview then runs its HDR conversion, which costs what is measured.
+for transfer in hlg:18 pq:16; do
+  out="$clips/4k30-hevc10-phone-${transfer%%:*}.mp4"
+  [[ -f "$out" ]] || ffmpeg -nostdin -hide_banner -loglevel error -y -i "$clips/4k30-hevc10-phone.mp4" -c copy \
+    -bsf:v "hevc_metadata=colour_primaries=9:transfer_characteristics=${transfer##*:}:matrix_coefficients=9" \
+    -color_primaries bt2020 -colorspace bt2020nc -metadata:s:v:0 rotate=90 "$out"
+done
+[[ -f "$clips/1080p30-hlg.mp4" ]] || ffmpeg -nostdin -hide_banner -loglevel error -y -i "$clips/1080p30-h264.mp4" \
+  -c copy -bsf:v "h264_metadata=colour_primaries=9:transfer_characteristics=18:matrix_coefficients=9" \
+  -color_primaries bt2020 -colorspace bt2020nc "$clips/1080p30-hlg.mp4"
+
 awk 'BEGIN { n = 33; print "LUT_3D_SIZE " n;
   for (b = 0; b < n; b++) for (g = 0; g < n; g++) for (r = 0; r < n; r++) {
     rv = r / (n - 1); gv = g / (n - 1); bv = b / (n - 1);
@@ -43,6 +55,8 @@ echo "saturation 1.2, temperature 40, 33-point cube. Load before: $(cut -d' ' -f
 LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb xvfb-run -a -s "-screen 0 1600x1000x24" \
   "$binary" --seconds "$seconds" --lut "$clips/look.cube" \
   "1080p30-h264=$clips/1080p30-h264.mp4" "720p60-h264=$clips/720p60-h264.mp4" \
-  "4k30-hevc10-phone=$clips/4k30-hevc10-phone.mp4" 2>&1 |
+  "1080p30-hlg=$clips/1080p30-hlg.mp4" \
+  "4k30-hevc10-phone=$clips/4k30-hevc10-phone.mp4" "4k30-phone-hlg=$clips/4k30-hevc10-phone-hlg.mp4" \
+  "4k30-phone-pq=$clips/4k30-hevc10-phone-pq.mp4" 2>&1 |
   grep -v -e '^Failed to open VDPAU backend' -e '^QStandardPaths: XDG_RUNTIME_DIR'
 echo "Goals: native rate with 0 missed for 1080p30 and 720p60; at most 1 % missed for the 4K clip."
