@@ -67,6 +67,7 @@ ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const 
     job.duration = exportDuration(clip);
     job.startTime = clip.effectiveInPoint();
     job.trim = clip.isTrimmed();
+    job.fps = clip.fps.value_or(0);
     job.width = clip.width.value_or(plan.width);
     job.height = clip.height.value_or(plan.height);
     job.hasAudio = clip.hasAudio;

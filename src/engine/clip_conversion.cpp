@@ -4,6 +4,7 @@
 #include "engine/ffmpeg_service.h"
 #include "engine/export_colour.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace tavrelune {
@@ -57,6 +58,23 @@ QStringList videoEncodingArguments(const VideoEncoder& encoder, VideoCodec codec
     return arguments;
 }
 
+FrameSpan frameSpan(double inPoint, double length, double fps)
+{
+    if (!(fps > 0) || !std::isfinite(fps) || !(length > 0))
+        return {std::max(inPoint, 0.0), length};
+    // A whisker of tolerance: times set on the frame grid come back from
+    // decimal text a hair below it.
+    constexpr double tolerance = 1e-6;
+    const double first = std::floor(std::max(inPoint, 0.0) * fps + tolerance);
+    const double end = std::ceil((inPoint + length) * fps - tolerance);  // first frame left out
+    const double frames = std::max(end - first, 1.0);
+    // Just before the frame's start: far enough for timestamps a tick off
+    // the grid, near enough that the frame keeps its place in a constant
+    // rate output (half a frame early would shift every frame by one slot).
+    const double lead = std::min(0.001, 0.25 / fps);
+    return {first > 0 ? first / fps - lead : 0.0, frames / fps};
+}
+
 ColorTags outputColour(const ClipConversion& job)
 {
     const int64_t width = job.normalization ? job.normalization->width : job.width;
@@ -87,8 +105,9 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
     QStringList arguments{QStringLiteral("-nostdin"), QStringLiteral("-hide_banner"),
                           QStringLiteral("-loglevel"), QStringLiteral("error"), QStringLiteral("-y")};
     // Seeking before the input is fast; "-t" after it limits the output.
-    if (job.trim && job.startTime > 0.001)
-        arguments << QStringLiteral("-ss") << fixedDecimal(job.startTime, 3);
+    const FrameSpan span = frameSpan(job.startTime, job.duration, job.fps);
+    if (job.trim && span.seek > 0.001)
+        arguments << QStringLiteral("-ss") << fixedDecimal(span.seek, 6);
     arguments << QStringLiteral("-i") << job.input;
     if (job.watermark)
         arguments << QStringLiteral("-i") << job.watermark->imagePath;
@@ -107,8 +126,8 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
         bitrateKbps(job.settings.quality, width, height, job.settings.codec));
     arguments << ExportColour::outputColorArguments(output);
     arguments << QStringLiteral("-sn");
-    if (job.trim && job.duration > 0)
-        arguments << QStringLiteral("-t") << fixedDecimal(job.duration, 3);
+    if (job.trim && span.length > 0)
+        arguments << QStringLiteral("-t") << fixedDecimal(span.length, 6);
     arguments << audioArguments(job);
     arguments << QStringLiteral("-movflags") << QStringLiteral("+faststart")
               << QStringLiteral("-progress") << QStringLiteral("pipe:1")

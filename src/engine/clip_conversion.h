@@ -32,6 +32,7 @@ struct ClipConversion {
     double duration = 0;
     double startTime = 0;  // the clip's effective in point
     bool trim = false;     // the clip counts as trimmed
+    double fps = 0;        // the source's frame rate; 0 when unknown
     int64_t width = 0;
     int64_t height = 0;
     bool hasAudio = false;
@@ -56,6 +57,18 @@ struct ClipConversion {
     // outside a combined export (anything else is re-encoded to one format).
     bool triesAudioCopy() const;
 };
+
+// Where a trimmed export seeks and how long it runs, so that its first frame
+// is the one showing at the in point and its last the one before the out
+// point: the seek lands a millisecond before the first frame's start (a
+// time rounded past that start would skip it), the length is whole frames. With
+// an unknown rate, the times as they are.
+struct FrameSpan {
+    double seek = 0;
+    double length = 0;
+    bool operator==(const FrameSpan&) const = default;
+};
+FrameSpan frameSpan(double inPoint, double length, double fps);
 
 // The complete ffmpeg argument list, "-nostdin" to the output path.
 QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& encoder);

@@ -243,7 +243,8 @@ TEST(ConvertCommand, JobRunsExactlyAsItsDryRunSaysAlsoCombined)
     EXPECT_TRUE(plan[0].join(' ').contains("exposure=exposure=0.5000"));
     EXPECT_TRUE(plan[1].join(' ').contains("saturation=0.5000"));
     const QString c = plan[2].join(' ');
-    EXPECT_TRUE(c.contains("-ss 0.880 ") && c.contains("-t 0.120 ")) << "trim limited to the 1 s clip";
+    // Limited to the 1 s clip at 25 fps: frames 22 to 24.
+    EXPECT_TRUE(c.contains("-ss 0.879000 ") && c.contains("-t 0.120000 ")) << c.toStdString();
 
     const CommandRun real = sandbox.run(options);
     ASSERT_EQ(real.exitCode, 0) << real.errLines.join('\n').toStdString();

@@ -78,6 +78,40 @@ TEST_F(ClipConversionTest, TrimmedHevcPartIsNormalizedWithSilence)
     EXPECT_EQ(probe("sample_rate", "a:0"), "48000");
 }
 
+// A trim starts on the frame the In & Out window showed: frame 140 at
+// 30 fps starts at 4.6667 s, which three decimals round past.
+TEST_F(ClipConversionTest, TrimStartsOnTheFrameShownAndKeepsWholeFrames)
+{
+    ClipConversion trimmed = job({.width = 160, .height = 120, .rate = "30", .seconds = 6, .audio = false,
+                                  .videoOptions = {"-qp", "0", "-g", "30"}});
+    trimmed.trim = true;
+    trimmed.fps = 30;
+    trimmed.startTime = 4.6666667;
+    trimmed.duration = 1;
+    EXPECT_EQ(convert(trimmed), "");
+    EXPECT_EQ(test::runTool("ffprobe", {"-v", "error", "-count_frames", "-show_entries", "stream=nb_read_frames",
+                                        "-of", "csv=p=0", trimmed.output})
+                  .out.trimmed(),
+              "30");
+    const auto frame = [](const QString& path, int n) {
+        return test::runTool("ffmpeg", {"-v", "error", "-i", path, "-vf",
+                                        QString("select=eq(n\\,%1),scale=16:12,format=gray").arg(n), "-frames:v",
+                                        "1", "-f", "rawvideo", "-"})
+            .out;
+    };
+    const auto distance = [](const QByteArray& a, const QByteArray& b) {
+        int sum = 0;
+        for (qsizetype i = 0; i < std::min(a.size(), b.size()); ++i)
+            sum += std::abs(int(std::uint8_t(a[i])) - int(std::uint8_t(b[i])));
+        return sum;
+    };
+    const QByteArray first = frame(trimmed.output, 0);
+    ASSERT_FALSE(first.isEmpty());
+    const int shown = distance(first, frame(trimmed.input, 140));
+    EXPECT_LT(shown, distance(first, frame(trimmed.input, 139)));
+    EXPECT_LT(shown, distance(first, frame(trimmed.input, 141)));
+}
+
 // A black clip through an inverting LUT turns white; the red watermark on
 // top is not graded and covers 80x40 pixels from (160, 90). The still comes
 // back at the requested width with an even height.

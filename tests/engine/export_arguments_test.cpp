@@ -42,6 +42,29 @@ const QString head = "-nostdin -hide_banner -loglevel error -y ";
 const QString tail = " -movflags +faststart -progress pipe:1 -nostats /out/c.mp4";
 const QString aac = "-c:a aac -ar 48000 -ac 2 -b:a 192k";
 
+TEST(ConversionArguments, TrimsStartOnTheFrameShownAtTheInPointAndEndBeforeTheOutPoint)
+{
+    const double ntsc = 30000.0 / 1001;
+    struct Case {
+        double inPoint, length, fps;
+        FrameSpan expected;
+    };
+    for (const Case& c : {
+             // Frame 140 at 30 fps starts at 4.6667: "4.667" would skip it.
+             Case{140 / 30.0, 1.0, 30, {140 / 30.0 - 0.001, 30 / 30.0}},
+             Case{4.6666667, 1.0, 30, {140 / 30.0 - 0.001, 30 / 30.0}},
+             Case{140 / ntsc, 1.0, ntsc, {140 / ntsc - 0.001, 30 / ntsc}},
+             Case{4.672, 0.4, ntsc, {140 / ntsc - 0.001, 13 / ntsc}},  // inside frame 140
+             Case{0, 0.52, 25, {0, 13 / 25.0}},                  // out point inside frame 12
+             Case{0.52, 2.48, 25, {13 / 25.0 - 0.001, 62 / 25.0}},
+             Case{12.25, 3.5, 0, {12.25, 3.5}},                  // rate unknown
+         }) {
+        const FrameSpan span = frameSpan(c.inPoint, c.length, c.fps);
+        EXPECT_NEAR(span.seek, c.expected.seek, 1e-9) << c.inPoint << " at " << c.fps;
+        EXPECT_NEAR(span.length, c.expected.length, 1e-9) << c.inPoint << " at " << c.fps;
+    }
+}
+
 TEST(ConversionArguments, FullListsOfTheTypicalJobs)
 {
     const QString plain = "-vf scale=in_color_matrix=bt709:in_range=tv,format=gbrp16le,scale=trunc(iw/2)*2:"
@@ -58,10 +81,10 @@ TEST(ConversionArguments, FullListsOfTheTypicalJobs)
     trimmed.trim = true;
     trimmed.startTime = 0.0005;
     trimmed.duration = 3.5;
-    EXPECT_TRUE(argumentsOf(trimmed).endsWith("-sn -t 3.500 -map 0:a:0? " + aac + tail));
+    EXPECT_TRUE(argumentsOf(trimmed).endsWith("-sn -t 3.500000 -map 0:a:0? " + aac + tail));
     EXPECT_FALSE(argumentsOf(trimmed).contains("-ss"));
     trimmed.startTime = 12.25;
-    EXPECT_TRUE(argumentsOf(trimmed).startsWith(head + "-ss 12.250 -i /in/c.mov -vf"));
+    EXPECT_TRUE(argumentsOf(trimmed).startsWith(head + "-ss 12.250000 -i /in/c.mov -vf"));
 
     // A silent clip in a combined export, watermarked: bitrate from the
     // normalized size, silence is input 2.
