@@ -33,7 +33,8 @@ int64_t forecastBytes(const ClipConversion& job, std::optional<int64_t> probedAu
         return 0;
     const int64_t width = job.normalization ? job.normalization->width : job.width;
     const int64_t height = job.normalization ? job.normalization->height : job.height;
-    const double kbps = static_cast<double>(bitrateKbps(job.settings.quality, width, height, job.settings.codec))
+    const double kbps = static_cast<double>(bitrateKbps(job.settings.quality, width, height, job.settings.codec,
+                                                              outputFps(job)))
                         + static_cast<double>(forecastAudioBitrate(job, probedAudioBitsPerSecond));
     return static_cast<int64_t>(std::llround(kbps * 1000.0 / 8.0 * job.duration));
 }

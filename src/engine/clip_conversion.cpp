@@ -75,6 +75,11 @@ FrameSpan frameSpan(double inPoint, double length, double fps)
     return {first > 0 ? first / fps - lead : 0.0, frames / fps};
 }
 
+double outputFps(const ClipConversion& job)
+{
+    return job.normalization ? job.normalization->fps : job.fps;
+}
+
 ColorTags outputColour(const ClipConversion& job)
 {
     const int64_t width = job.normalization ? job.normalization->width : job.width;
@@ -123,7 +128,7 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
     }
     arguments << videoEncodingArguments(
         encoder, job.settings.codec,
-        bitrateKbps(job.settings.quality, width, height, job.settings.codec));
+        bitrateKbps(job.settings.quality, width, height, job.settings.codec, outputFps(job)));
     arguments << ExportColour::outputColorArguments(output);
     arguments << QStringLiteral("-sn");
     if (job.trim && span.length > 0)

@@ -73,6 +73,9 @@ FrameSpan frameSpan(double inPoint, double length, double fps);
 // The complete ffmpeg argument list, "-nostdin" to the output path.
 QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& encoder);
 
+// The frame rate of the job's output (0 when unknown).
+double outputFps(const ClipConversion& job);
+
 // The colour tags the job's output carries (and its pixels have).
 ColorTags outputColour(const ClipConversion& job);
 

@@ -79,8 +79,10 @@ QString FFmpegService::filterGraph(std::optional<QString> lutPath, double exposu
 QStringList FFmpegService::sizeFilters(const std::optional<VideoNormalization>& normalization)
 {
     if (!normalization) {
-        // Chroma subsampling needs even sides.
-        return {QStringLiteral("scale=trunc(iw/2)*2:trunc(ih/2)*2")};
+        // Chroma subsampling needs even sides: an odd side loses its last
+        // row or column, so the pixels keep their shape (resampling by one
+        // pixel would give the file a pixel aspect a hair off square).
+        return {QStringLiteral("crop=trunc(iw/2)*2:trunc(ih/2)*2:0:0")};
     }
     const QString width = QString::number(normalization->width);
     const QString height = QString::number(normalization->height);

@@ -86,7 +86,7 @@ double bitrateFactor(QualityPreset preset, VideoCodec codec)
     return 0;
 }
 
-int64_t bitrateKbps(QualityPreset preset, int64_t width, int64_t height, VideoCodec codec)
+int64_t bitrateKbps(QualityPreset preset, int64_t width, int64_t height, VideoCodec codec, double fps)
 {
     const int64_t w = std::max<int64_t>(width, 1280);
     const int64_t h = std::max<int64_t>(height, 720);
@@ -94,7 +94,8 @@ int64_t bitrateKbps(QualityPreset preset, int64_t width, int64_t height, VideoCo
     // conversion can exceed the result type, and that saturates.
     const auto area = static_cast<WideInt>(w) * static_cast<WideInt>(h);
     const double megapixels = static_cast<double>(area) / 1'000'000.0;
-    const double kbps = std::round(megapixels * bitrateFactor(preset, codec) * 1000.0);
+    const double rate = fps > 30 && std::isfinite(fps) ? std::pow(std::min(fps, 240.0) / 30, 0.75) : 1.0;
+    const double kbps = std::round(megapixels * bitrateFactor(preset, codec) * rate * 1000.0);
     if (!(kbps < 9.2e18))
         return std::numeric_limits<int64_t>::max();
     return static_cast<int64_t>(kbps);

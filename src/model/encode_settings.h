@@ -36,8 +36,11 @@ inline constexpr std::array<QualityPreset, 3> allQualityPresets{
 double bitrateFactor(QualityPreset preset, VideoCodec codec);
 
 // Target video bitrate in kbit/s. Frames smaller than 1280x720 count as
-// 1280x720 (each side raised on its own). Saturates instead of overflowing.
-int64_t bitrateKbps(QualityPreset preset, int64_t width, int64_t height, VideoCodec codec);
+// 1280x720 (each side raised on its own). Above 30 fps the bitrate grows
+// with (fps / 30)^0.75, up to 240 fps: more frames need more bits, though
+// fewer per frame, as each differs less from the last. Saturates instead of
+// overflowing.
+int64_t bitrateKbps(QualityPreset preset, int64_t width, int64_t height, VideoCodec codec, double fps = 30);
 
 struct EncodeSettings {
     VideoCodec codec = VideoCodec::hevc;

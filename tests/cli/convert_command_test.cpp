@@ -179,7 +179,7 @@ TEST(ConvertCommand, DryRunPrintsTheExactCommandAndTouchesNothing)
     ASSERT_EQ(lines.size(), 3);
     const QJsonArray expected{
         sandbox.ffmpeg(), "-nostdin", "-hide_banner", "-loglevel", "error", "-y", "-i", clip,
-        "-vf", "scale=in_color_matrix=bt601:in_range=tv,format=gbrp16le,scale=trunc(iw/2)*2:trunc(ih/2)*2,"
+        "-vf", "scale=in_color_matrix=bt601:in_range=tv,format=gbrp16le,crop=trunc(iw/2)*2:trunc(ih/2)*2:0:0,"
         "format=gbrp16le,scale=out_color_matrix=bt601:out_range=tv,format=yuv420p", "-map", "0:v:0",
         "-c:v", "libx264", "-b:v", "5069k", "-preset", "faster", "-pix_fmt", "yuv420p", "-colorspace", "smpte170m",
         "-color_primaries", "smpte170m", "-color_trc", "smpte170m", "-color_range", "tv", "-sn", "-an",
@@ -194,7 +194,7 @@ TEST(ConvertCommand, DryRunPrintsTheExactCommandAndTouchesNothing)
     const CommandRun matched = sandbox.run({"--dry-run", "--exposure", "0.5", "--output", out, clip});
     ASSERT_EQ(matched.exitCode, 0) << matched.errLines.join('\n').toStdString();
     const QString graph = QJsonDocument::fromJson(matched.out.split('\n').first().toUtf8()).array()[9].toString();
-    EXPECT_TRUE(graph.contains(":interp=tetrahedral,scale=trunc(iw/2)*2:trunc(ih/2)*2,format=gbrp16le,")) << graph.toStdString();
+    EXPECT_TRUE(graph.contains(":interp=tetrahedral,crop=trunc(iw/2)*2:trunc(ih/2)*2:0:0,format=gbrp16le,")) << graph.toStdString();
     const auto cube = QRegularExpression("lut3d=file=([^:]*/preview-grade-[0-9a-f]{16}\\.cube)").match(graph);
     ASSERT_TRUE(cube.hasMatch()) << graph.toStdString();
     EXPECT_FALSE(QFile::exists(cube.captured(1)));

@@ -67,8 +67,8 @@ TEST(ConversionArguments, TrimsStartOnTheFrameShownAtTheInPointAndEndBeforeTheOu
 
 TEST(ConversionArguments, FullListsOfTheTypicalJobs)
 {
-    const QString plain = "-vf scale=in_color_matrix=bt709:in_range=tv,format=gbrp16le,scale=trunc(iw/2)*2:"
-                          "trunc(ih/2)*2,format=gbrp16le,scale=out_color_matrix=bt709:out_range=tv,format=yuv420p "
+    const QString plain = "-vf scale=in_color_matrix=bt709:in_range=tv,format=gbrp16le,crop=trunc(iw/2)*2:"
+                          "trunc(ih/2)*2:0:0,format=gbrp16le,scale=out_color_matrix=bt709:out_range=tv,format=yuv420p "
                           "-map 0:v:0 ";
     const QString tags = " -colorspace bt709 -color_primaries bt709 -color_trc bt709 -color_range tv";
     EXPECT_EQ(argumentsOf(fullHdClip(VideoCodec::h264)), head + "-i /in/c.mov " + plain
@@ -124,7 +124,7 @@ TEST(ConversionArguments, ProgressConcatListAndStillSeek)
 
 TEST(FilterGraph, AdjustmentsAppearOnlyPastTheirThresholds)
 {
-    const QString in = "format=gbrp16le,", out = ",scale=trunc(iw/2)*2:trunc(ih/2)*2,format=yuv420p";
+    const QString in = "format=gbrp16le,", out = ",crop=trunc(iw/2)*2:trunc(ih/2)*2:0:0,format=yuv420p";
     EXPECT_EQ(graph(0.001, 1.001, 0.5, 0.999), in.chopped(1) + out);
     EXPECT_EQ(graph(0.5, 1.1, 50, 1.2), in + "exposure=exposure=0.5000,colorbalance=rs=0.2000:rm=0.2000:"
               "rh=0.2000:bs=-0.2000:bm=-0.2000:bh=-0.2000,eq=contrast=1.1000:saturation=1.2000" + out);

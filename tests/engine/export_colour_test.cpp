@@ -35,7 +35,7 @@ TEST(ExportColour, BothModesReadTheSourceExplicitlyAndTagTheOutput)
     EXPECT_EQ(conversionArguments(job, encoder).join(' '),
               "-nostdin -hide_banner -loglevel error -y -i /in/c.mov -vf scale=in_color_matrix=bt709:in_range=pc,"
               "format=gbrp16le,lut3d=file=/w/preview-grade-0123456789abcdef.cube:interp=tetrahedral,"
-              "scale=trunc(iw/2)*2:trunc(ih/2)*2,format=gbrp16le,scale=out_color_matrix=bt709:out_range=tv,"
+              "crop=trunc(iw/2)*2:trunc(ih/2)*2:0:0,format=gbrp16le,scale=out_color_matrix=bt709:out_range=tv,"
               "format=yuv420p -map 0:v:0 " + videoEncodingArguments(encoder, VideoCodec::hevc, 13478).join(' ')
               + tail);
 
@@ -48,7 +48,7 @@ TEST(ExportColour, BothModesReadTheSourceExplicitlyAndTagTheOutput)
               "-nostdin -hide_banner -loglevel error -y -i /in/c.mov -vf zscale=min=2020_ncl:rin=limited:m=gbr:r=full,"
               "format=gbrpf32le,lut3d=file=/w/delivery-pq.cube:interp=trilinear,"
               "lut1d=file=/w/delivery-encoding.cube:interp=linear,format=gbrp16le,exposure=exposure=0.3000,"
-              "lut3d=file=/w/active-lut.cube:interp=tetrahedral,scale=trunc(iw/2)*2:trunc(ih/2)*2,format=gbrp16le,"
+              "lut3d=file=/w/active-lut.cube:interp=tetrahedral,crop=trunc(iw/2)*2:trunc(ih/2)*2:0:0,format=gbrp16le,"
               "scale=out_color_matrix=bt709:out_range=tv,format=yuv420p -map 0:v:0 "
               + videoEncodingArguments(encoder, VideoCodec::hevc, 13478).join(' ') + tail);
 

@@ -31,6 +31,16 @@ TEST(QualityPresetBitrate, FactorsPerMegapixelWithTheSmallFrameFloor)
             << c.width << "x" << c.height;
 }
 
+TEST(QualityPresetBitrate, GrowsWithTheFrameRateAbove30)
+{
+    const auto at = [](double fps) { return bitrateKbps(QualityPreset::high, 1920, 1080, VideoCodec::h264, fps); };
+    EXPECT_EQ(at(0), 18662);  // unknown
+    EXPECT_EQ(at(29.97), 18662);
+    EXPECT_EQ(at(60), 31386);   // 2^0.75
+    EXPECT_EQ(at(240), 88774);  // 8^0.75
+    EXPECT_EQ(at(1000), at(240));
+}
+
 TEST(QualityPresetBitrate, HugeFramesSaturateInsteadOfOverflowing)
 {
     const int64_t max = std::numeric_limits<int64_t>::max();
