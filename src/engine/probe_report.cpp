@@ -16,9 +16,36 @@ namespace tavrelune::ProbeReport {
 QStringList arguments(const QString& path)
 {
     return {"-v", "error", "-show_entries",
-            "format=duration:stream=codec_type,codec_name,width,height,pix_fmt,r_frame_rate,avg_frame_rate,bit_rate,"
+            "format=duration,start_time:stream=codec_type,codec_name,width,height,pix_fmt,r_frame_rate,avg_frame_rate,bit_rate,"
             "color_space,color_range,color_primaries,color_transfer:stream_tags=rotate:stream_side_data=rotation,dv_profile",
             "-of", "json", path};
+}
+
+QStringList packetArguments(const QString& path)
+{
+    // Packets are listed, not decoded: reading even a long file is quick.
+    return {"-v", "error", "-select_streams", "v:0", "-show_entries", "packet=pts_time,duration_time",
+            "-of", "csv=p=0", path};
+}
+
+double durationFromPackets(const QString& csvLines, double startTime)
+{
+    double end = 0;
+    for (const QStringView line : QStringView(csvLines).split(u'\n', Qt::SkipEmptyParts)) {
+        const auto fields = line.trimmed().split(u',');
+        const auto pts = parseDecimal(fields.value(0));
+        if (!pts || !std::isfinite(*pts))
+            continue;
+        const auto length = fields.size() > 1 ? parseDecimal(fields[1]) : std::nullopt;
+        end = std::max(end, *pts + (length && std::isfinite(*length) ? *length : 0.0));
+    }
+    return std::max(end - startTime, 0.0);
+}
+
+double startTime(const QString& report)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(report.toUtf8());
+    return document.isObject() ? doubleValue(document.object().value("format").toObject().value("start_time")) : 0;
 }
 
 namespace {

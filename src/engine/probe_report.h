@@ -22,6 +22,14 @@ MediaInfo parse(const QString& report);
 // True for an odd number of quarter turns (90, -90, 270, ...).
 bool turnsSideways(double degrees);
 
+// For a file that states no duration (a recording cut off, a stream saved
+// as it came): the arguments that list its first video stream's packets,
+// and the length they span after `startTime` (0 when none is readable).
+QStringList packetArguments(const QString& path);
+double durationFromPackets(const QString& csvLines, double startTime);
+// The format's start time from a report (0 when absent).
+double startTime(const QString& report);
+
 // Lenient conversions; an absent value is QJsonValue::Undefined.
 double doubleValue(const QJsonValue& value);
 int64_t intValue(const QJsonValue& value);

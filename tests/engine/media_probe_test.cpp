@@ -1,5 +1,6 @@
 // Probing clips that real ffmpeg makes, with the real ffprobe.
 #include "engine/ffmpeg_service.h"
+#include "engine/probe_report.h"
 #include "support/media_fixtures.h"
 #include "support/task_helpers.h"
 #include "support/temp_folder.h"
@@ -46,6 +47,18 @@ TEST_F(MediaProbeTest, OddSizeWithoutAudio)
     EXPECT_EQ(info.codecName, "ffv1");
     EXPECT_EQ(info.fps, 24);
     EXPECT_FALSE(info.hasAudio);
+}
+
+// A recording saved as it streamed (or cut off) states no length: the
+// packets give it.
+TEST_F(MediaProbeTest, LengthOfAFileThatStatesNoneComesFromItsPackets)
+{
+    const QString path = folder.file("streamed.mkv");
+    const ToolResult made = runTool("bash", {"-c", "ffmpeg -v error -f lavfi -i testsrc2=size=160x120:rate=25:duration=2 "
+                                                   "-c:v libx264 -preset ultrafast -f matroska - > '" + path + "'"});
+    ASSERT_EQ(made.exitCode, 0) << made.err.toStdString();
+    EXPECT_NEAR(probe(path).duration, 2.0, 0.1);
+    EXPECT_EQ(ProbeReport::durationFromPackets("1.500000,0.040000\n1.460000,0.040000\nN/A,N/A\n", 0.5), 1.04);
 }
 
 TEST_F(MediaProbeTest, AudioOnlyFileHasNeutralVideoFacts)
