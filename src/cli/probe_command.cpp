@@ -27,6 +27,7 @@ QJsonObject toJson(const QString& path, const MediaInfo& info)
         {"pixFmt", info.pixFmt},
         {"fps", info.fps},
         {"hasAudio", info.hasAudio},
+        {"interlaced", info.interlaced},
     };
 }
 

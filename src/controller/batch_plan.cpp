@@ -68,6 +68,7 @@ ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const 
     job.startTime = clip.effectiveInPoint();
     job.trim = clip.isTrimmed();
     job.fps = clip.fps.value_or(0);
+    job.deinterlace = clip.interlaced;
     job.width = clip.width.value_or(plan.width);
     job.height = clip.height.value_or(plan.height);
     job.hasAudio = clip.hasAudio;

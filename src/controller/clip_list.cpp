@@ -87,6 +87,7 @@ QCoro::Task<void> AppModel::probePendingClips()
             if (info->audioBitrate > 0)
                 stored.audioBitrate = info->audioBitrate;
             stored.color = info->color;
+            stored.interlaced = info->interlaced;
             stored.clampTrimTo(info->duration);
         });
     }

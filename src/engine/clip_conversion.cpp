@@ -103,8 +103,11 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
                                                    job.saturation);
     }
     // With a watermark the chain ends in RGB, blended there, and converted after.
+    // Fields become whole frames first, at the frame rate (bwdif, on YUV):
+    // the file keeps the source's rate, frame count and trim grid.
     const QString grade =
-        ExportColour::videoGraph(job.sourceColor, job.width, job.height, job.deliveryTables, gradeFilters,
+        (job.deinterlace ? QStringLiteral("bwdif=mode=send_frame:parity=auto:deint=all,") : QString())
+        + ExportColour::videoGraph(job.sourceColor, job.width, job.height, job.deliveryTables, gradeFilters,
                                  job.normalization, job.watermark ? QString() : toOutput);
 
     QStringList arguments{QStringLiteral("-nostdin"), QStringLiteral("-hide_banner"),

@@ -33,6 +33,7 @@ struct ClipConversion {
     double startTime = 0;  // the clip's effective in point
     bool trim = false;     // the clip counts as trimmed
     double fps = 0;        // the source's frame rate; 0 when unknown
+    bool deinterlace = false;  // the source is stored as fields
     int64_t width = 0;
     int64_t height = 0;
     bool hasAudio = false;

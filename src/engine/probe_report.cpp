@@ -17,7 +17,7 @@ QStringList arguments(const QString& path)
 {
     return {"-v", "error", "-show_entries",
             "format=duration,start_time:stream=codec_type,codec_name,width,height,pix_fmt,r_frame_rate,avg_frame_rate,bit_rate,"
-            "color_space,color_range,color_primaries,color_transfer:stream_tags=rotate:stream_side_data=rotation,dv_profile",
+            "color_space,color_range,color_primaries,color_transfer,field_order:stream_tags=rotate:stream_side_data=rotation,dv_profile",
             "-of", "json", path};
 }
 
@@ -237,6 +237,9 @@ MediaInfo parse(const QString& report)
             return text == QLatin1String("unknown") || text == QLatin1String("unspecified") ? QString() : text;
         };
         info.color = {tag("color_space"), tag("color_range"), tag("color_primaries"), tag("color_transfer")};
+        const QString fieldOrder = tag("field_order");
+        info.interlaced = fieldOrder == QLatin1String("tt") || fieldOrder == QLatin1String("bb")
+                       || fieldOrder == QLatin1String("tb") || fieldOrder == QLatin1String("bt");
         auto rate = frameRate(video->value("r_frame_rate"));
         if (!rate)
             rate = frameRate(video->value("avg_frame_rate"));

@@ -35,6 +35,7 @@ struct ClipItem {
     std::optional<QString> codecName;
     std::optional<double> fps;
     bool hasAudio = true;
+    bool interlaced = false;  // as probed
     std::optional<int64_t> audioBitrate;  // bits per second, when the probe learned it
     ColorTags color;  // as probed; empty until then
     double exposure = 0;

@@ -27,6 +27,9 @@ struct MediaInfo {
     bool hasAudio = false;
     int64_t audioBitrate = 0;     // first audio stream, bits per second; 0 when unknown
     ColorTags color;              // of the first video stream
+    // Stored as fields (ffprobe's field_order tt, bb, tb or bt), not as
+    // whole frames; deinterlaced by the export and the preview.
+    bool interlaced = false;
 
     bool operator==(const MediaInfo&) const = default;
 };

@@ -36,7 +36,10 @@ PreviewFilter previewFilterFor(const VideoTrackShape& track, int maximumSide)
                              "lut1d=file=%4:interp=linear,format=bgr0,"
                              "setparams=range=pc:color_primaries=bt709:color_trc=bt709:colorspace=gbr")
                   .arg(size, track.zscaleReadOptions, track.lightTable, track.encodingTable);
-    filter.mpvFilter = QStringLiteral("lavfi=[%1,setsar=1%2]").arg(resize, QLatin1String(turn[turns]));
+    // Frames coded as fields are made whole first, as the export does; others
+    // pass through untouched.
+    filter.mpvFilter = QStringLiteral("lavfi=[bwdif=mode=send_frame:deint=interlaced,%1,setsar=1%2]")
+                           .arg(resize, QLatin1String(turn[turns]));
     return filter;
 }
 

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
+#include <QRegularExpression>
 #include <gtest/gtest.h>
 
 namespace tavrelune {
@@ -76,6 +77,27 @@ TEST_F(ClipConversionTest, TrimmedHevcPartIsNormalizedWithSilence)
     EXPECT_NEAR(probe("duration").toDouble(), 0.8, 0.04);
     EXPECT_NEAR(probe("duration", "format").toDouble(), 0.8, 0.05);
     EXPECT_EQ(probe("sample_rate", "a:0"), "48000");
+}
+
+// A camcorder's fields (1080i-style, top field first) become whole frames:
+// no combing is left for idet to find, and the file is flagged progressive.
+TEST_F(ClipConversionTest, InterlacedSourcesAreDeinterlaced)
+{
+    ClipConversion fields = job({.width = 320, .height = 240, .rate = "50", .seconds = 1, .audio = false,
+                                 .filter = "tinterlace=interleave_top,setfield=tff",
+                                 .videoOptions = {"-flags", "+ilme+ildct", "-top", "1"}});
+    const MediaInfo probed = waitForTask(service.probe(fields.input));
+    ASSERT_TRUE(probed.interlaced);
+    fields.deinterlace = probed.interlaced;
+    EXPECT_EQ(convert(fields), "");
+    EXPECT_EQ(probe("field_order"), "progressive");
+    const QString report = QString::fromUtf8(
+        test::runTool("ffmpeg", {"-v", "info", "-i", fields.output, "-vf", "idet", "-f", "null", "-"}).err);
+    const auto count = [&report](const char* kind) {
+        const QRegularExpression pattern(QString("Multi frame detection:.*%1:\\s*(\\d+)").arg(kind));
+        return pattern.match(report).captured(1).toInt();
+    };
+    EXPECT_GT(count("Progressive"), 3 * (count("TFF") + count("BFF"))) << report.toStdString();
 }
 
 // A trim starts on the frame the In & Out window showed: frame 140 at
