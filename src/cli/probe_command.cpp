@@ -6,6 +6,7 @@
 
 #include <QCommandLineParser>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTextStream>
@@ -18,6 +19,9 @@ namespace {
 
 QJsonObject toJson(const QString& path, const MediaInfo& info)
 {
+    QJsonArray tracks;
+    for (const AudioTrack& track : info.audioTracks)
+        tracks << QJsonObject{{"codecName", track.codec}, {"channels", track.channels}};
     return QJsonObject{
         {"path", path},
         {"duration", info.duration},
@@ -28,6 +32,7 @@ QJsonObject toJson(const QString& path, const MediaInfo& info)
         {"fps", info.fps},
         {"hasAudio", info.hasAudio},
         {"interlaced", info.interlaced},
+        {"audioTracks", tracks},
     };
 }
 

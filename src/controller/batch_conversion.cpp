@@ -4,6 +4,7 @@
 #include "controller/output_claim.h"
 #include "controller/output_naming.h"
 #include "engine/concat_job.h"
+#include "engine/silent_track.h"
 #include "grading/cube_writer.h"
 #include "model/media_type.h"
 #include "grading/baked_cube.h"
@@ -166,6 +167,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
     QStringList parts;
     QStringList colourTables;  // removed when the batch ends
     double partsDuration = 0;  // as probed
+    QStringList silentFirstTrack;  // clips whose sound is only in later tracks
     bool stopped = false;
 
     for (int position = 0; position < plan.clipCount; ++position) {
@@ -206,6 +208,18 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
             ClipConversion job = conversionFor(clip, plan, claim ? claim->temporaryPath() : output, lutPath,
                                                watermark, settings_);
             prepareColour(job, clip, &colourTables);
+            if (!settings_.removeAudio && clip.audioTrackCount() > 1) {
+                // Only a notice: a clip the check cannot read still converts.
+                std::exception_ptr unchecked;
+                try {
+                    if (co_await ffmpeg_.firstAudioTrackSilent(job.input, clip.audioTrackCount(), stop))
+                        silentFirstTrack << clip.name;
+                } catch (...) {
+                    unchecked = std::current_exception();
+                }
+                if (unchecked && isCancellation(unchecked))
+                    std::rethrow_exception(unchecked);
+            }
             co_await ffmpeg_.convertClip(job, onProgress, stop);
             const MediaInfo made =
                 co_await checkFinishedOutput(job.output, expectedClipOutput(clip, plan, settings_), stop);
@@ -307,6 +321,8 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
     if (settings_.matchPreview && previewLacksLUT())
         status += QStringLiteral(" The preview cannot show the LUT %1, so the filter chain graded the clips.")
                       .arg(QFileInfo(lutURL_.toLocalFile()).fileName());
+    if (!silentFirstTrack.isEmpty())
+        status += QLatin1Char(' ') + silentFirstTrackNotice(silentFirstTrack);
     setStatusMessage(status);
     for (const QString& table : colourTables)
         QFile::remove(table);

@@ -30,10 +30,12 @@ BatchPlan planBatch(const QList<ClipItem>& clips, const EncodeSettings& settings
         plan.fps = fps <= 1 || std::isnan(fps) ? 1 : std::min(fps, 120.0);
     }
     if (plan.combine) {
-        const bool anyAudio = std::any_of(clips.begin(), clips.end(),
-                                          [](const ClipItem& clip) { return clip.hasAudio; });
-        plan.normalization = VideoNormalization{plan.width, plan.height, plan.fps,
-                                                !settings.removeAudio && anyAudio};
+        // As many tracks as the clip with the most: none is lost.
+        int tracks = 0;
+        for (const ClipItem& clip : clips)
+            tracks = std::max(tracks, clip.audioTrackCount());
+        plan.normalization =
+            VideoNormalization{plan.width, plan.height, plan.fps, settings.removeAudio ? 0 : tracks};
     }
     return plan;
 }
@@ -72,6 +74,7 @@ ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const 
     job.width = clip.width.value_or(plan.width);
     job.height = clip.height.value_or(plan.height);
     job.hasAudio = clip.hasAudio;
+    job.audioTracks = clip.audioTracks;
     job.normalization = plan.normalization;
     job.watermark = watermark;
     job.sourceColor = clip.color;
@@ -84,11 +87,11 @@ ExpectedOutput expectedClipOutput(const ClipItem& clip, const BatchPlan& plan, c
     expected.codec = settings.codec;
     expected.duration = exportDuration(clip);
     if (plan.normalization) {
-        // A part: fitted to the batch's size and rate; every part has audio or none does.
+        // A part: fitted to the batch's size, rate and audio track layout.
         expected.width = plan.normalization->width;
         expected.height = plan.normalization->height;
         expected.fps = plan.normalization->fps;
-        expected.audio = plan.normalization->includeAudio;
+        expected.audioTracks = plan.normalization->audioTracks;
         expected.colour = ExportColour::outputTags(clip.color, expected.width, expected.height, true);
         return expected;
     }
@@ -98,7 +101,7 @@ ExpectedOutput expectedClipOutput(const ClipItem& clip, const BatchPlan& plan, c
         expected.height = *clip.height - *clip.height % 2;
     }
     expected.fps = clip.fps.value_or(plan.fps);
-    expected.audio = clip.hasAudio && !settings.removeAudio;
+    expected.audioTracks = settings.removeAudio ? 0 : clip.audioTrackCount();
     expected.colour = ExportColour::outputTags(clip.color, clip.width.value_or(plan.width),
                                                clip.height.value_or(plan.height), false);
     return expected;
@@ -112,7 +115,7 @@ ExpectedOutput expectedJoinedOutput(const BatchPlan& plan, const EncodeSettings&
     expected.height = plan.height;
     expected.duration = partsDuration;
     expected.fps = plan.fps;
-    expected.audio = plan.normalization && plan.normalization->includeAudio;
+    expected.audioTracks = plan.normalization ? plan.normalization->audioTracks : 0;
     expected.colour = ExportColour::outputTags({}, plan.width, plan.height, true);
     return expected;
 }

@@ -41,12 +41,12 @@ ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const 
                              const EncodeSettings& settings);
 
 // What a clip's converted file must hold: the export length; on its own, the
-// source's size made even and audio unless removed; as a part of a combined
-// batch, the normalization's size and audio.
+// source's size made even and its audio tracks unless removed; as a part of a
+// combined batch, the normalization's size and audio tracks.
 ExpectedOutput expectedClipOutput(const ClipItem& clip, const BatchPlan& plan, const EncodeSettings& settings);
 
 // What the joined file of a combined batch must hold: the normalization's
-// size and audio, and the length of the parts as they were made (each part
+// size and audio tracks, and the length of the parts as they were made (each part
 // is checked against its clip's length first; AAC frames make each a few
 // milliseconds longer, which would add up over many parts).
 ExpectedOutput expectedJoinedOutput(const BatchPlan& plan, const EncodeSettings& settings, double partsDuration);

@@ -84,6 +84,7 @@ QCoro::Task<void> AppModel::probePendingClips()
             stored.codecName = info->codecName;
             stored.fps = info->fps;
             stored.hasAudio = info->hasAudio;
+            stored.audioTracks = info->audioTracks;
             if (info->audioBitrate > 0)
                 stored.audioBitrate = info->audioBitrate;
             stored.color = info->color;

@@ -18,13 +18,13 @@ int64_t forecastAudioBitrate(const ClipConversion& job, std::optional<int64_t> p
 {
     if (job.settings.removeAudio)
         return 0;
-    if (job.needsSilence())
-        return forecastAudioKbps;
-    if (!job.hasAudio)
-        return 0;
+    if (job.normalization)
+        return forecastAudioKbps * job.normalization->audioTracks;
+    const int tracks = job.sourceAudioTrackCount();
+    // Only the first track's rate is known; the others are taken alike.
     if (job.triesAudioCopy() && probedBitsPerSecond && *probedBitsPerSecond > 0)
-        return (*probedBitsPerSecond + 500) / 1000;
-    return forecastAudioKbps;
+        return (*probedBitsPerSecond + 500) / 1000 * tracks;
+    return forecastAudioKbps * tracks;
 }
 
 int64_t forecastBytes(const ClipConversion& job, std::optional<int64_t> probedAudioBitsPerSecond)

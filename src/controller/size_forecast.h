@@ -26,9 +26,9 @@ struct SizeForecast {
     int64_t outputBytes() const;
 };
 
-// Audio bitrate of one clip's export: none without audio, the probed rate
-// (bits per second) when the source is copied and the rate is known, else
-// the re-encoding rate.
+// Audio bitrate of one clip's export, for all its tracks: none without
+// audio, the probed rate (bits per second) when the source is copied and the
+// rate is known, else the re-encoding rate.
 int64_t forecastAudioBitrate(const ClipConversion& job, std::optional<int64_t> probedBitsPerSecond);
 
 // Bytes of one clip's export.

@@ -16,36 +16,92 @@ const QStringList reencodedAudio{QStringLiteral("-c:a"), QStringLiteral("aac"),
                                  QStringLiteral("-ac"), QStringLiteral("2"),
                                  QStringLiteral("-b:a"), QStringLiteral("192k")};
 
+bool copiesTrack(const ClipConversion& job, const AudioTrack& track)
+{
+    return job.settings.copyAudio && !job.normalization && !job.trim
+        && (track.codec.isEmpty() || belongsInMp4(track.codec));
+}
+
+// One clip on its own: each track copied when it can be, else AAC that
+// keeps a mono track mono (four mono camera microphones stay four) and
+// brings anything wider to stereo.
+QStringList separateTrackArguments(const ClipConversion& job)
+{
+    const int count = job.sourceAudioTrackCount();
+    QStringList arguments;
+    for (int index = 0; index < count; ++index)
+        // "?" keeps a clip whose probe was wrong about audio from failing.
+        arguments << QStringLiteral("-map") << QStringLiteral("0:a:%1?").arg(index);
+    for (int index = 0; index < count; ++index) {
+        const AudioTrack track = index < job.audioTracks.size() ? job.audioTracks[index] : AudioTrack{};
+        const QString stream = QStringLiteral(":a:%1").arg(index);
+        if (copiesTrack(job, track)) {
+            arguments << QStringLiteral("-c") + stream << QStringLiteral("copy");
+            continue;
+        }
+        arguments << QStringLiteral("-c") + stream << QStringLiteral("aac") << QStringLiteral("-ar") + stream
+                  << QStringLiteral("48000") << QStringLiteral("-ac") + stream
+                  << (track.channels == 1 ? QStringLiteral("1") : QStringLiteral("2"))
+                  << QStringLiteral("-b") + stream << QStringLiteral("192k");
+    }
+    return arguments;
+}
+
 QStringList audioArguments(const ClipConversion& job)
 {
     const QString noAudio = QStringLiteral("-an");
     if (job.settings.removeAudio)
         return {noAudio};
-    if (job.needsSilence()) {
-        // The silence is the last input: after the watermark when there is one.
-        const QString silence = job.watermark ? QStringLiteral("2:a:0") : QStringLiteral("1:a:0");
-        return QStringList{QStringLiteral("-map"), silence} + reencodedAudio
-            + QStringList{QStringLiteral("-shortest")};
-    }
-    if (!job.hasAudio)
+    if (!job.normalization)
+        return job.hasAudio ? separateTrackArguments(job) : QStringList{noAudio};
+    // A part: the batch's layout of stereo AAC tracks, the clip's own first
+    // and silence after them.
+    const int layout = job.normalization->audioTracks;
+    if (layout <= 0)
         return {noAudio};
-    // "?" keeps a clip whose probe was wrong about audio from failing.
-    const QStringList sourceAudio{QStringLiteral("-map"), QStringLiteral("0:a:0?")};
-    if (job.triesAudioCopy())
-        return sourceAudio + QStringList{QStringLiteral("-c:a"), QStringLiteral("copy")};
-    return sourceAudio + reencodedAudio;
+    const int own = std::min(job.sourceAudioTrackCount(), layout);
+    QStringList arguments;
+    for (int index = 0; index < own; ++index)
+        arguments << QStringLiteral("-map") << QStringLiteral("0:a:%1?").arg(index);
+    // The silence is the last input: after the watermark when there is one.
+    const QString silence = job.watermark ? QStringLiteral("2:a:0") : QStringLiteral("1:a:0");
+    for (int index = own; index < layout; ++index)
+        arguments << QStringLiteral("-map") << silence;
+    arguments << reencodedAudio;
+    if (job.needsSilence())
+        arguments << QStringLiteral("-shortest");
+    return arguments;
 }
 
 }  // namespace
 
+bool belongsInMp4(const QString& audioCodec)
+{
+    static const QStringList codecs{QStringLiteral("aac"), QStringLiteral("mp3"), QStringLiteral("ac3"),
+                                    QStringLiteral("eac3"), QStringLiteral("alac")};
+    return codecs.contains(audioCodec);
+}
+
+int ClipConversion::sourceAudioTrackCount() const
+{
+    if (!hasAudio)
+        return 0;
+    return audioTracks.isEmpty() ? 1 : static_cast<int>(audioTracks.size());
+}
+
 bool ClipConversion::needsSilence() const
 {
-    return !settings.removeAudio && normalization && normalization->includeAudio && !hasAudio;
+    return !settings.removeAudio && normalization && normalization->audioTracks > sourceAudioTrackCount();
 }
 
 bool ClipConversion::triesAudioCopy() const
 {
-    return hasAudio && !settings.removeAudio && settings.copyAudio && !normalization && !trim;
+    if (!hasAudio || settings.removeAudio)
+        return false;
+    if (audioTracks.isEmpty())
+        return copiesTrack(*this, {});
+    return std::any_of(audioTracks.begin(), audioTracks.end(),
+                       [this](const AudioTrack& track) { return copiesTrack(*this, track); });
 }
 
 QStringList videoEncodingArguments(const VideoEncoder& encoder, VideoCodec codec, int64_t bitrateKbps)

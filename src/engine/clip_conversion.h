@@ -37,6 +37,9 @@ struct ClipConversion {
     int64_t width = 0;
     int64_t height = 0;
     bool hasAudio = false;
+    // The source's audio tracks as probed; empty when unknown (then a
+    // source with audio counts as one track of unknown codec).
+    QList<AudioTrack> audioTracks;
     // Present only for the parts of a combined export.
     std::optional<VideoNormalization> normalization;
     std::optional<WatermarkOverlay> watermark;
@@ -51,11 +54,13 @@ struct ClipConversion {
 
     bool operator==(const ClipConversion&) const = default;
 
-    // A clip without audio gets a silent track so every part of a combined
-    // export has the same streams.
+    int sourceAudioTrackCount() const;
+    // A part with fewer tracks than the combined export's layout gets silent
+    // ones, so every part has the same streams.
     bool needsSilence() const;
-    // The source audio is copied unchanged: only for an untrimmed clip
-    // outside a combined export (anything else is re-encoded to one format).
+    // Some source track is copied unchanged: only in an untrimmed clip
+    // outside a combined export (anything else is re-encoded to one format),
+    // and only a track whose codec belongs in MP4 or is unknown.
     bool triesAudioCopy() const;
 };
 
@@ -70,6 +75,11 @@ struct FrameSpan {
     bool operator==(const FrameSpan&) const = default;
 };
 FrameSpan frameSpan(double inPoint, double length, double fps);
+
+// Audio codecs copied into MP4 as they are: AAC, MP3, AC-3, E-AC-3 and
+// ALAC. Others (Vorbis, Opus, FLAC, PCM, MP2, DTS, ...) either do not fit
+// the container or are refused by many players there.
+bool belongsInMp4(const QString& audioCodec);
 
 // The complete ffmpeg argument list, "-nostdin" to the output path.
 QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& encoder);

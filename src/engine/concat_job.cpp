@@ -13,11 +13,11 @@ namespace {
 QStringList leadingArguments(const QString& listPath)
 {
     // "-safe 0": the parts have absolute paths, which the demuxer refuses
-    // by default.
+    // by default. "-map 0": every audio track, not ffmpeg's pick of one.
     return {QStringLiteral("-nostdin"), QStringLiteral("-hide_banner"), QStringLiteral("-loglevel"),
             QStringLiteral("error"), QStringLiteral("-y"), QStringLiteral("-f"),
             QStringLiteral("concat"), QStringLiteral("-safe"), QStringLiteral("0"),
-            QStringLiteral("-i"), listPath};
+            QStringLiteral("-i"), listPath, QStringLiteral("-map"), QStringLiteral("0")};
 }
 
 QStringList trailingArguments(const QString& output)

@@ -100,6 +100,11 @@ public:
     QCoro::Task<void> convertClip(ClipConversion job, ProgressCallback onProgress,
                                   std::stop_token stop = {});
 
+    // Whether the first of a file's `tracks` audio tracks is silent over its
+    // first seconds while a later one is not (see silent_track.h). Not a
+    // tracked conversion.
+    QCoro::Task<bool> firstAudioTrackSilent(QString path, int tracks, std::stop_token stop = {});
+
     // Joins parts that share one normalization, in order, into `output`:
     // first by stream copy, then, on any failure but a stop, by re-encoding
     // at the bitrate for width x height. `duration` is the expected total,

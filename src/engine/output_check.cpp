@@ -57,10 +57,16 @@ std::optional<QString> outputMismatch(const ExpectedOutput& expected, const Medi
         return failure(tags(*expected.colour), tags(probed.color));
     }
 
-    if (expected.audio && !probed.hasAudio)
-        return failure(QStringLiteral("an audio track"), QStringLiteral("none"));
-    if (!expected.audio && probed.hasAudio)
-        return failure(QStringLiteral("no audio"), QStringLiteral("an audio track"));
+    // An older probe result may say "audio" without listing tracks.
+    const int tracks = probed.audioTracks.isEmpty() ? (probed.hasAudio ? 1 : 0)
+                                                    : static_cast<int>(probed.audioTracks.size());
+    if (tracks != expected.audioTracks) {
+        const auto count = [](int tracks) {
+            return tracks == 1 ? QStringLiteral("an audio track") : QStringLiteral("%1 audio tracks").arg(tracks);
+        };
+        return failure(expected.audioTracks == 0 ? QStringLiteral("no audio") : count(expected.audioTracks),
+                       tracks == 0 ? QStringLiteral("none") : count(tracks));
+    }
     return std::nullopt;
 }
 

@@ -19,7 +19,7 @@ struct ExpectedOutput {
     int64_t height = 0;
     double duration = 0;    // 0 when the length is not known: not checked
     double fps = 24;        // one frame of this rate is allowed either way
-    bool audio = false;
+    int audioTracks = 0;
     // Matrix, range, primaries and transfer as ffprobe names them; not
     // checked when absent.
     std::optional<ColorTags> colour;

@@ -16,8 +16,9 @@ namespace tavrelune::ProbeReport {
 QStringList arguments(const QString& path)
 {
     return {"-v", "error", "-show_entries",
-            "format=duration,start_time:stream=codec_type,codec_name,width,height,pix_fmt,r_frame_rate,avg_frame_rate,bit_rate,"
-            "color_space,color_range,color_primaries,color_transfer,field_order:stream_tags=rotate:stream_side_data=rotation,dv_profile",
+            "format=duration,start_time:stream=codec_type,codec_name,channels,width,height,pix_fmt,r_frame_rate,"
+            "avg_frame_rate,bit_rate,color_space,color_range,color_primaries,color_transfer,field_order:"
+            "stream_tags=rotate:stream_side_data=rotation,dv_profile",
             "-of", "json", path};
 }
 
@@ -202,15 +203,21 @@ MediaInfo parse(const QString& report)
 
     std::optional<QJsonObject> video;
     std::optional<QJsonObject> audio;
+    MediaInfo info;
     for (const QJsonObject& stream : streams) {
         const QJsonValue type = stream.value("codec_type");
         if (!video && type.isString() && type.toString() == "video")
             video = stream;
-        if (!audio && type.isString() && type.toString() == "audio")
-            audio = stream;
+        if (type.isString() && type.toString() == "audio") {
+            if (!audio)
+                audio = stream;
+            const QJsonValue codec = stream.value("codec_name");
+            const int64_t channels = intValue(stream.value("channels"));
+            info.audioTracks << AudioTrack{codec.isString() ? codec.toString() : QString(),
+                                           channels > 0 && channels <= 64 ? static_cast<int>(channels) : 0};
+        }
     }
 
-    MediaInfo info;
     info.hasAudio = audio.has_value();
     if (audio)
         info.audioBitrate = std::max<int64_t>(intValue(audio->value("bit_rate")), 0);

@@ -71,6 +71,13 @@ bool ClipItem::isTrimmed() const
     return effectiveInPoint() > trimTolerance || effectiveOutPoint() < *d - trimTolerance;
 }
 
+int ClipItem::audioTrackCount() const
+{
+    if (!audioTracks.isEmpty())
+        return static_cast<int>(audioTracks.size());
+    return hasAudio ? 1 : 0;
+}
+
 double ClipItem::playheadInWindow() const
 {
     double p = 0;

@@ -37,6 +37,7 @@ struct ClipItem {
     bool hasAudio = true;
     bool interlaced = false;  // as probed
     std::optional<int64_t> audioBitrate;  // bits per second, when the probe learned it
+    QList<AudioTrack> audioTracks;  // as probed; empty until then
     ColorTags color;  // as probed; empty until then
     double exposure = 0;
     double contrast = 1;
@@ -57,6 +58,9 @@ struct ClipItem {
     std::optional<double> trimmedDuration() const;
     bool isTrimmed() const;
     double playheadInWindow() const;
+    // The probed tracks, or one unknown track while a clip said to have
+    // audio is unprobed.
+    int audioTrackCount() const;
 
     // Brings stored trim points inside a newly learned duration: the out
     // point no later than the end, the in point leaving the shortest span.

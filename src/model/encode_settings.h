@@ -60,7 +60,9 @@ struct VideoNormalization {
     int64_t width = 1920;
     int64_t height = 1080;
     double fps = 24;
-    bool includeAudio = false;
+    // Every part carries this many audio tracks (silence where its clip has
+    // fewer); 0 for none.
+    int audioTracks = 0;
 
     bool operator==(const VideoNormalization&) const = default;
 };

@@ -1,6 +1,7 @@
 // What a probe learned about one media file. Plain value type.
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <cstdint>
 
@@ -17,6 +18,14 @@ struct ColorTags {
     bool operator==(const ColorTags&) const = default;
 };
 
+// One audio stream of a file, in ffprobe's names ("aac", "pcm_s24le", ...).
+struct AudioTrack {
+    QString codec;     // empty when unknown
+    int channels = 0;  // 0 when unknown
+
+    bool operator==(const AudioTrack&) const = default;
+};
+
 struct MediaInfo {
     double duration = 0;          // seconds; 0 when unknown
     int64_t width = 0;            // first video stream as shown (turned upright), 0 when absent
@@ -26,6 +35,7 @@ struct MediaInfo {
     double fps = 24;              // 24 when no rate could be read
     bool hasAudio = false;
     int64_t audioBitrate = 0;     // first audio stream, bits per second; 0 when unknown
+    QList<AudioTrack> audioTracks;  // every audio stream, in file order
     ColorTags color;              // of the first video stream
     // Stored as fields (ffprobe's field_order tt, bb, tb or bt), not as
     // whole frames; deinterlaced by the export and the preview.

@@ -6,8 +6,11 @@ namespace tavrelune::MediaType {
 
 const QSet<QString>& videoExtensions()
 {
-    static const QSet<QString> set{"mp4", "mov", "m4v", "mkv",  "avi",  "mxf",  "mts",
-                                   "m2ts", "mpg", "mpeg", "webm", "wmv", "insv", "braw"};
+    // Camera cards add MPEG transport and program streams (AVCHD, HDV,
+    // JVC's .mod/.tod, DVD .vob), DV and phones' 3GP.
+    static const QSet<QString> set{"mp4", "mov",  "m4v", "mkv", "avi", "mxf",  "mts",  "m2ts",
+                                   "m2t", "ts",   "mpg", "mpeg", "vob", "mod", "tod",  "dv",
+                                   "3gp", "webm", "wmv", "insv", "braw"};
     return set;
 }
 

@@ -266,6 +266,31 @@ TEST(ConvertCommand, JobRunsExactlyAsItsDryRunSaysAlsoCombined)
     EXPECT_NEAR(videoSeconds(combined.out.trimmed()), 0.5 + 1.0 + 0.12, oneFrame);
 }
 
+// A camera clip whose sound is in its second and third tracks, alone and
+// joined with a one-track clip: every track is kept (each part is checked
+// for three), and the silent first track is named.
+TEST(ConvertCommand, EveryAudioTrackIsKeptAndASilentFirstTrackNamed)
+{
+    Sandbox sandbox;
+    const QString camera = sandbox.clip(
+        "camera.mov", {.seconds = 0.5, .audioCodec = "pcm_s16le",
+                       .audioTracks = {"anullsrc=channel_layout=mono:sample_rate=48000",
+                                       "sine=frequency=440:sample_rate=48000", "sine=frequency=880:sample_rate=48000"}});
+    const QString phone = sandbox.clip("phone.mov", {.seconds = 0.5});
+    const CommandRun alone = sandbox.run({"--codec", "h264", "-o", sandbox.file("out"), camera, phone});
+    ASSERT_EQ(alone.exitCode, 0) << alone.errLines.join('\n').toStdString();
+    EXPECT_EQ(alone.lastErrLine(),
+              "Done: converted 2 clips. The first audio track is silent in camera.mov; the other tracks were kept.");
+    const QStringList files = alone.out.split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(files.size(), 2);
+    EXPECT_EQ(audioStreamCount(files[0]), 3);
+    EXPECT_EQ(audioStreamCount(files[1]), 1);
+
+    const CommandRun joined = sandbox.run({"--codec", "h264", "--combine", "-o", sandbox.file("joined"), phone, camera});
+    ASSERT_EQ(joined.exitCode, 0) << joined.errLines.join('\n').toStdString();
+    EXPECT_EQ(audioStreamCount(joined.out.trimmed()), 3);
+}
+
 TEST(ConvertCommand, BadInputIsStatusTwoWithOneLine)
 {
     Sandbox sandbox;

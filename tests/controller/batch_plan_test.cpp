@@ -54,18 +54,26 @@ TEST(BatchPlan, CombinedTargetComesFromTheFirstClip)
     }
 }
 
-TEST(BatchPlan, PartsCarryAudioOnlyWhenSomeClipHasItAndItIsKept)
+TEST(BatchPlan, PartsCarryAsManyAudioTracksAsTheClipWithTheMost)
 {
     EncodeSettings settings;
     settings.concatenateClips = true;
-    const auto audioOf = [&settings](bool first, bool second) {
-        return planBatch({probedClip(8, 8, 24, first), probedClip(8, 8, 24, second)}, settings)
-            .normalization->includeAudio;
+    ClipItem camera = probedClip(8, 8, 24);
+    camera.audioTracks = {{"pcm_s24le", 1}, {"pcm_s24le", 1}, {"pcm_s24le", 1}};
+    const auto tracksOf = [&settings](const ClipItem& first, const ClipItem& second) {
+        return planBatch({first, second}, settings).normalization->audioTracks;
     };
-    EXPECT_TRUE(audioOf(false, true));
-    EXPECT_FALSE(audioOf(false, false));
+    EXPECT_EQ(tracksOf(probedClip(8, 8, 24, false), probedClip(8, 8, 24)), 1) << "unprobed audio is one track";
+    EXPECT_EQ(tracksOf(probedClip(8, 8, 24, false), probedClip(8, 8, 24, false)), 0);
+    EXPECT_EQ(tracksOf(probedClip(8, 8, 24), camera), 3);
+    const BatchPlan plan = planBatch({probedClip(8, 8, 24), camera}, settings);
+    EXPECT_EQ(expectedClipOutput(probedClip(8, 8, 24), plan, settings).audioTracks, 3);
+    EXPECT_EQ(expectedJoinedOutput(plan, settings, 20).audioTracks, 3);
+    settings.concatenateClips = false;
+    EXPECT_EQ(expectedClipOutput(camera, planBatch({camera}, settings), settings).audioTracks, 3);
+    settings.concatenateClips = true;
     settings.removeAudio = true;
-    EXPECT_FALSE(audioOf(true, true));
+    EXPECT_EQ(tracksOf(camera, camera), 0);
 
     settings.removeAudio = false;
     const BatchPlan single = planBatch({probedClip(8, 8, 24)}, settings);

@@ -1,4 +1,5 @@
 // Real conversions and stills of tiny generated clips through the real ffmpeg.
+#include "engine/silent_track.h"
 #include "export_fixtures.h"
 
 #include <QDir>
@@ -6,6 +7,8 @@
 #include <QImage>
 #include <QRegularExpression>
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 namespace tavrelune {
 namespace {
@@ -60,6 +63,53 @@ TEST_F(ClipConversionTest, AudioIsCopiedRetriedAsAacOrRemoved)
     camera.settings.removeAudio = true;
     EXPECT_EQ(convert(camera), "");
     EXPECT_EQ(test::audioStreamCount(camera.output), 0);
+}
+
+// A camera file with a dead first input: three PCM tracks, the first silent,
+// the third 6 dB below the second.
+const QStringList cameraTracks{"anullsrc=channel_layout=mono:sample_rate=48000",
+                               "sine=frequency=440:sample_rate=48000",
+                               "sine=frequency=880:sample_rate=48000,volume=0.5"};
+
+TEST_F(ClipConversionTest, EveryAudioTrackKeepsItsChannelsAndLevel)
+{
+    ClipConversion camera = job({.seconds = 1.0, .audioCodec = "pcm_s16le", .audioTracks = cameraTracks});
+    camera.audioTracks = waitForTask(service.probe(camera.input)).audioTracks;
+    ASSERT_EQ(camera.audioTracks, (QList<AudioTrack>(3, {"pcm_s16le", 1})));
+    EXPECT_EQ(convert(camera), "");
+    ASSERT_EQ(test::audioStreamCount(camera.output), 3);
+    for (const auto& [track, low, high] : {std::tuple{0, -INFINITY, -90.0}, {1, -19.0, -17.0}, {2, -25.0, -23.0}}) {
+        const QString stream = QString("a:%1").arg(track);
+        EXPECT_EQ(probe("codec_name", stream) + probe("channels", stream), "aac1") << track;
+        const auto peak = parseTrackPeak(QString::fromUtf8(
+            test::runTool("ffmpeg", trackPeakArguments(camera.output, track)).out));
+        ASSERT_TRUE(peak) << track;
+        EXPECT_TRUE(*peak >= low && *peak <= high) << track << ": " << *peak;
+    }
+    EXPECT_TRUE(waitForTask(service.firstAudioTrackSilent(camera.input, 3)));
+
+    // A one-track clip as a part of a three-track batch: its sound, then silence.
+    ClipConversion part = job({.seconds = 0.5});
+    part.normalization = VideoNormalization{160, 90, 25, 3};
+    EXPECT_EQ(convert(part), "");
+    ASSERT_EQ(test::audioStreamCount(part.output), 3);
+    EXPECT_EQ(probe("channels", "a:0") + probe("channels", "a:2"), "22");
+    EXPECT_NEAR(probe("duration", "format").toDouble(), 0.5, 0.05);
+    EXPECT_FALSE(waitForTask(service.firstAudioTrackSilent(part.output, 3))) << "silence after sound is fine";
+}
+
+// Codecs MP4 players refuse are re-encoded, not copied under a wrong tag.
+TEST_F(ClipConversionTest, VorbisAndOpusBecomeAac)
+{
+    for (const auto& [name, codec] : {std::pair{"in.mkv", "libvorbis"}, {"in.webm", "libopus"}}) {
+        ClipConversion clip = test::clipJob(file(name), file("out.mp4"),
+                                            {.seconds = 0.5,
+                                             .videoCodec = name == QString("in.webm") ? "libvpx" : "libx264",
+                                             .audioCodec = codec});
+        clip.audioTracks = waitForTask(service.probe(clip.input)).audioTracks;
+        EXPECT_EQ(convert(clip), "") << codec;
+        EXPECT_EQ(probe("codec_name", "a:0"), "aac") << codec;
+    }
 }
 
 // A trimmed silent clip as a part of a combined export: fitted to 320x240

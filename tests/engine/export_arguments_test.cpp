@@ -72,16 +72,17 @@ TEST(ConversionArguments, FullListsOfTheTypicalJobs)
                           "-map 0:v:0 ";
     const QString tags = " -colorspace bt709 -color_primaries bt709 -color_trc bt709 -color_range tv";
     EXPECT_EQ(argumentsOf(fullHdClip(VideoCodec::h264)), head + "-i /in/c.mov " + plain
-              + encoding(VideoCodec::h264, "18662k") + tags + " -sn -map 0:a:0? -c:a copy" + tail);
+              + encoding(VideoCodec::h264, "18662k") + tags + " -sn -map 0:a:0? -c:a:0 copy" + tail);
     EXPECT_TRUE(argumentsOf(fullHdClip(VideoCodec::hevc))
-                    .contains(encoding(VideoCodec::hevc, "13478k") + " -tag:v hvc1" + tags + " -sn -map 0:a:0? -c:a copy"));
+                    .contains(encoding(VideoCodec::hevc, "13478k") + " -tag:v hvc1" + tags + " -sn -map 0:a:0? -c:a:0 copy"));
 
     // Trimmed audio is re-encoded; a start within a millisecond needs no seek.
     ClipConversion trimmed = fullHdClip(VideoCodec::h264);
     trimmed.trim = true;
     trimmed.startTime = 0.0005;
     trimmed.duration = 3.5;
-    EXPECT_TRUE(argumentsOf(trimmed).endsWith("-sn -t 3.500000 -map 0:a:0? " + aac + tail));
+    EXPECT_TRUE(argumentsOf(trimmed).endsWith("-sn -t 3.500000 -map 0:a:0? -c:a:0 aac -ar:a:0 48000 -ac:a:0 2 "
+                                              "-b:a:0 192k" + tail));
     EXPECT_FALSE(argumentsOf(trimmed).contains("-ss"));
     trimmed.startTime = 12.25;
     EXPECT_TRUE(argumentsOf(trimmed).startsWith(head + "-ss 12.250000 -i /in/c.mov -vf"));
@@ -107,6 +108,33 @@ TEST(ConversionArguments, FullListsOfTheTypicalJobs)
     part.settings.removeAudio = false;
     part.hasAudio = true;
     EXPECT_TRUE(argumentsOf(part).endsWith("-sn -map 0:a:0? " + aac + tail));
+}
+
+// Per track: copied when MP4 takes the codec and the clip is whole, else
+// AAC keeping mono as mono; a part gets the batch's layout of stereo tracks.
+TEST(ConversionArguments, EveryAudioTrackIsKept)
+{
+    const auto audioOf = [](const ClipConversion& job) {
+        const QString all = argumentsOf(job);
+        return all.mid(all.indexOf(" -sn ") + 5).chopped(tail.size());
+    };
+    ClipConversion camera = fullHdClip(VideoCodec::h264);
+    camera.audioTracks = {{"pcm_s24le", 1}, {"ac3", 6}, {"vorbis", 2}, {"opus", 6}, {"flac", 1}};
+    const QString maps = "-map 0:a:0? -map 0:a:1? -map 0:a:2? -map 0:a:3? -map 0:a:4? ";
+    EXPECT_EQ(audioOf(camera), maps + "-c:a:0 aac -ar:a:0 48000 -ac:a:0 1 -b:a:0 192k -c:a:1 copy "
+              "-c:a:2 aac -ar:a:2 48000 -ac:a:2 2 -b:a:2 192k -c:a:3 aac -ar:a:3 48000 -ac:a:3 2 -b:a:3 192k "
+              "-c:a:4 aac -ar:a:4 48000 -ac:a:4 1 -b:a:4 192k");
+    EXPECT_TRUE(camera.triesAudioCopy());
+    camera.audioTracks = {{"vorbis", 2}};
+    EXPECT_FALSE(camera.triesAudioCopy()) << "nothing to retry";
+
+    ClipConversion part = fullHdClip(VideoCodec::h264);
+    part.normalization = VideoNormalization{1280, 720, 25, 3};
+    EXPECT_EQ(audioOf(part), "-map 0:a:0? -map 1:a:0 -map 1:a:0 " + aac + " -shortest");
+    part.audioTracks = {{"aac", 2}, {"aac", 2}, {"pcm_s16le", 1}};
+    EXPECT_EQ(audioOf(part), "-map 0:a:0? -map 0:a:1? -map 0:a:2? " + aac);
+    EXPECT_FALSE(part.needsSilence());
+    EXPECT_FALSE(argumentsOf(part).contains("anullsrc"));
 }
 
 TEST(ConversionArguments, ProgressConcatListAndStillSeek)

@@ -6,7 +6,7 @@ using namespace tavrelune;
 
 namespace {
 
-const ExpectedOutput twelveSeconds{VideoCodec::hevc, 640, 360, 12.0, 25, true};
+const ExpectedOutput twelveSeconds{VideoCodec::hevc, 640, 360, 12.0, 25, 1};
 
 MediaInfo probedFile(double duration)
 {
@@ -40,7 +40,11 @@ TEST(OutputCheck, EachWayAFileFallsShortIsNamed)
     MediaInfo silent = probedFile(12);
     silent.hasAudio = false;
     ExpectedOutput noAudioWanted = twelveSeconds;
-    noAudioWanted.audio = false;
+    noAudioWanted.audioTracks = 0;
+    ExpectedOutput threeTracks = twelveSeconds;
+    threeTracks.audioTracks = 3;
+    MediaInfo twoTracks = probedFile(12);
+    twoTracks.audioTracks = {{"aac", 2}, {"aac", 1}};
     ExpectedOutput sizeUnknown = twelveSeconds;
     sizeUnknown.width = sizeUnknown.height = 0;
     ExpectedOutput lengthUnknown = twelveSeconds;
@@ -63,6 +67,8 @@ TEST(OutputCheck, EachWayAFileFallsShortIsNamed)
         {"audio missing", twelveSeconds, silent, "Output check failed: expected an audio track, the file holds none."},
         {"audio unwanted", noAudioWanted, probedFile(12),
          "Output check failed: expected no audio, the file holds an audio track."},
+        {"a track lost", threeTracks, twoTracks,
+         "Output check failed: expected 3 audio tracks, the file holds 2 audio tracks."},
     };
     for (const Case& each : cases)
         EXPECT_EQ(outputMismatch(each.expected, each.probed).value_or("none").toStdString(),

@@ -58,15 +58,16 @@ TEST(ProbeValues, FrameRate)
     EXPECT_EQ(ProbeReport::frameRate(json("\"50/2/\"")), 25) << "empty pieces are dropped";
 }
 
-TEST(ProbeReportParse, ReadsTheFirstVideoStreamAndAnyAudio)
+TEST(ProbeReportParse, ReadsTheFirstVideoStreamAndEveryAudioTrack)
 {
     const MediaInfo info = ProbeReport::parse(R"({
         "streams": [
-            {"codec_type": "audio", "codec_name": "aac", "bit_rate": "128000"},
-            {"codec_type": "audio", "codec_name": "ac3", "bit_rate": "448000"},
+            {"codec_type": "audio", "codec_name": "aac", "bit_rate": "128000", "channels": 2},
+            {"codec_type": "audio", "codec_name": "ac3", "bit_rate": "448000", "channels": "6"},
             {"codec_type": "video", "codec_name": "h264", "width": 1920, "height": "1080",
              "pix_fmt": "yuv420p", "r_frame_rate": "0/0", "avg_frame_rate": "24000/1001"},
-            {"codec_type": "video", "codec_name": "mjpeg", "width": 300, "height": 300}
+            {"codec_type": "video", "codec_name": "mjpeg", "width": 300, "height": 300},
+            {"codec_type": "audio", "codec_name": null, "channels": -1}
         ],
         "format": {"duration": "12.500000"}
     })");
@@ -78,6 +79,7 @@ TEST(ProbeReportParse, ReadsTheFirstVideoStreamAndAnyAudio)
     EXPECT_NEAR(info.fps, 23.976, 1e-3);
     EXPECT_TRUE(info.hasAudio);
     EXPECT_EQ(info.audioBitrate, 128000) << "the first audio stream's";
+    EXPECT_EQ(info.audioTracks, (QList<AudioTrack>{{"aac", 2}, {"ac3", 6}, {"", 0}}));
 }
 
 TEST(ProbeReportParse, SizeIsTheDisplayedSizeOfATurnedStream)

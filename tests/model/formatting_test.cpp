@@ -58,7 +58,11 @@ TEST(ClipLabels, DurationAndResolution)
 
 TEST(MediaTypeRoles, ByLowerCasedExtension)
 {
-    EXPECT_EQ(MediaType::videoExtensions().size(), 14);
+    EXPECT_EQ(MediaType::videoExtensions().size(), 21);
+    // Camera cards: AVCHD, HDV, JVC, DVD, DV and phone files.
+    for (const char* name : {"00001.MTS", "a.m2ts", "HDV.M2T", "rec.ts", "MOV001.MOD", "MOV001.TOD",
+                             "VTS_01_1.VOB", "tape.dv", "phone.3GP", "a.mpg", "a.MPEG"})
+        EXPECT_TRUE(MediaType::isVideo(name)) << name;
     EXPECT_EQ(MediaType::lutExtensions().size(), 5);
     EXPECT_EQ(MediaType::watermarkExtensions().size(), 2);
 

@@ -36,7 +36,15 @@ void makeClip(const QString& path, const ClipSpec& spec)
                     .arg(spec.pattern).arg(spec.width).arg(spec.height).arg(spec.rate, secs,
                          spec.pattern.contains('=') ? ":" : "=");
     }
-    if (spec.audio) {
+    if (!spec.audioTracks.isEmpty()) {
+        for (const QString& source : spec.audioTracks)
+            args << "-f" << "lavfi" << "-t" << secs << "-i" << source;
+        const int first = spec.videoCodec.isEmpty() ? 0 : 1;
+        if (first == 1)
+            args << "-map" << "0:v";
+        for (int track = 0; track < spec.audioTracks.size(); ++track)
+            args << "-map" << QString::number(first + track) + ":a";
+    } else if (spec.audio) {
         args << "-f" << "lavfi" << "-i"
              << QString("sine=frequency=440:sample_rate=48000:duration=%1").arg(secs);
     }
@@ -48,7 +56,7 @@ void makeClip(const QString& path, const ClipSpec& spec)
             args << "-preset" << "ultrafast";
         args << spec.videoOptions;
     }
-    if (spec.audio)
+    if (spec.audio || !spec.audioTracks.isEmpty())
         args << "-c:a" << spec.audioCodec;
     args << path;
     const ToolResult result = runTool("ffmpeg", args);

@@ -19,6 +19,9 @@ struct ClipSpec {
     QString pattern = "testsrc2";   // lavfi video source (testsrc keeps odd sizes)
     QString filter = {};            // -vf applied to the source, e.g. "drawbox=..."
     QStringList videoOptions = {};  // more output options, e.g. {"-g", "10"}
+    // One audio track per lavfi source ("anullsrc=channel_layout=mono"), in
+    // place of the single sine; each as long as the clip.
+    QStringList audioTracks = {};
 };
 
 struct ToolResult {
