@@ -71,6 +71,7 @@ ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const 
     job.trim = clip.isTrimmed();
     job.fps = clip.fps.value_or(0);
     job.deinterlace = clip.interlaced;
+    job.constantRate = clip.variableFrameRate;
     job.width = clip.width.value_or(plan.width);
     job.height = clip.height.value_or(plan.height);
     job.hasAudio = clip.hasAudio;

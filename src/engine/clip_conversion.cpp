@@ -161,8 +161,13 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
     // With a watermark the chain ends in RGB, blended there, and converted after.
     // Fields become whole frames first, at the frame rate (bwdif, on YUV):
     // the file keeps the source's rate, frame count and trim grid.
+    // Irregular frame times go onto the grid of the standard rate nearest
+    // their average (parts of a combined export get the batch's rate).
+    const QString constantRate = job.constantRate && !job.normalization && job.fps > 0
+                                     ? QStringLiteral("fps=") + fixedDecimal(job.fps, 3) + QLatin1Char(',')
+                                     : QString();
     const QString grade =
-        (job.deinterlace ? QStringLiteral("bwdif=mode=send_frame:parity=auto:deint=all,") : QString())
+        (job.deinterlace ? QStringLiteral("bwdif=mode=send_frame:parity=auto:deint=all,") : QString()) + constantRate
         + ExportColour::videoGraph(job.sourceColor, job.width, job.height, job.deliveryTables, gradeFilters,
                                  job.normalization, job.watermark ? QString() : toOutput);
 

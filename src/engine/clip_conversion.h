@@ -34,6 +34,7 @@ struct ClipConversion {
     bool trim = false;     // the clip counts as trimmed
     double fps = 0;        // the source's frame rate; 0 when unknown
     bool deinterlace = false;  // the source is stored as fields
+    bool constantRate = false;  // frames at irregular times are brought to `fps`
     int64_t width = 0;
     int64_t height = 0;
     bool hasAudio = false;

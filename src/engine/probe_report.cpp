@@ -248,9 +248,16 @@ MediaInfo parse(const QString& report)
         info.interlaced = fieldOrder == QLatin1String("tt") || fieldOrder == QLatin1String("bb")
                        || fieldOrder == QLatin1String("tb") || fieldOrder == QLatin1String("bt");
         auto rate = frameRate(video->value("r_frame_rate"));
+        const auto average = frameRate(video->value("avg_frame_rate"));
         if (!rate)
-            rate = frameRate(video->value("avg_frame_rate"));
+            rate = average;
         info.fps = rate.value_or(24.0);
+        // A variable rate shows as a base rate (often the time base, 120 or
+        // more) far from the average; a constant one's two agree.
+        if (rate && average && *average > 0 && std::abs(*rate - *average) > 0.01 * *average) {
+            info.variableFrameRate = true;
+            info.fps = nearestStandardRate(*average);
+        }
     }
     return info;
 }

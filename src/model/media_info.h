@@ -26,6 +26,10 @@ struct AudioTrack {
     bool operator==(const AudioTrack&) const = default;
 };
 
+// The standard video rate (23.976, 24, 25, 29.97, 30, 50, 59.94, 60) nearest
+// `fps`.
+double nearestStandardRate(double fps);
+
 struct MediaInfo {
     double duration = 0;          // seconds; 0 when unknown
     int64_t width = 0;            // first video stream as shown (turned upright), 0 when absent
@@ -40,6 +44,9 @@ struct MediaInfo {
     // Stored as fields (ffprobe's field_order tt, bb, tb or bt), not as
     // whole frames; deinterlaced by the export and the preview.
     bool interlaced = false;
+    // Frames at irregular times (phones, screen recordings): `fps` is then
+    // the standard rate nearest the average, which the export makes constant.
+    bool variableFrameRate = false;
 
     bool operator==(const MediaInfo&) const = default;
 };

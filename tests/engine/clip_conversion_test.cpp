@@ -150,6 +150,26 @@ TEST_F(ClipConversionTest, InterlacedSourcesAreDeinterlaced)
     EXPECT_GT(count("Progressive"), 3 * (count("TFF") + count("BFF"))) << report.toStdString();
 }
 
+// A phone's variable rate (frames picked irregularly from a 120 fps time
+// base) becomes the constant standard rate nearest its average, not 120.
+TEST_F(ClipConversionTest, VariableFrameRateBecomesTheNearestStandardRate)
+{
+    ClipConversion phone = job({.width = 160, .height = 120, .rate = "120", .seconds = 2, .audio = false,
+                                .filter = "select='not(mod(n\\,5))+not(mod(n\\,7))'",
+                                .videoOptions = {"-fps_mode", "vfr"}});
+    const MediaInfo probed = waitForTask(service.probe(phone.input));
+    ASSERT_TRUE(probed.variableFrameRate);
+    EXPECT_EQ(probed.fps, 30);  // 11 of every 35 frames: 37.7 fps on average
+    phone.fps = probed.fps;
+    phone.constantRate = true;
+    EXPECT_EQ(convert(phone), "");
+    EXPECT_EQ(probe("r_frame_rate"), probe("avg_frame_rate"));
+    const double frames = test::runTool("ffprobe", {"-v", "error", "-count_frames", "-show_entries",
+                                                    "stream=nb_read_frames", "-of", "csv=p=0", phone.output})
+                              .out.trimmed().toDouble();
+    EXPECT_NEAR(frames, 60, 1);
+}
+
 // A trim starts on the frame the In & Out window showed: frame 140 at
 // 30 fps starts at 4.6667 s, which three decimals round past.
 TEST_F(ClipConversionTest, TrimStartsOnTheFrameShownAndKeepsWholeFrames)
