@@ -72,6 +72,7 @@ ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const 
     job.fps = clip.fps.value_or(0);
     job.deinterlace = clip.interlaced;
     job.constantRate = clip.variableFrameRate;
+    job.squarePixels = std::abs(clip.pixelAspect - 1) > 0.001;
     job.width = clip.width.value_or(plan.width);
     job.height = clip.height.value_or(plan.height);
     job.hasAudio = clip.hasAudio;

@@ -89,6 +89,7 @@ QCoro::Task<void> AppModel::probePendingClips()
                 stored.audioBitrate = info->audioBitrate;
             stored.color = info->color;
             stored.interlaced = info->interlaced;
+            stored.pixelAspect = info->pixelAspect;
             stored.variableFrameRate = info->variableFrameRate;
             stored.clampTrimTo(info->duration);
         });

@@ -166,8 +166,14 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
     const QString constantRate = job.constantRate && !job.normalization && job.fps > 0
                                      ? QStringLiteral("fps=") + fixedDecimal(job.fps, 3) + QLatin1Char(',')
                                      : QString();
+    // Non-square pixels become square at the shown size, so the watermark,
+    // placed and sized on the shown picture, keeps its shape in the file.
+    const QString squarePixels = job.squarePixels && job.width > 0 && job.height > 0
+                                     ? QStringLiteral("scale=%1:%2,setsar=1,").arg(job.width).arg(job.height)
+                                     : QString();
     const QString grade =
         (job.deinterlace ? QStringLiteral("bwdif=mode=send_frame:parity=auto:deint=all,") : QString()) + constantRate
+        + squarePixels
         + ExportColour::videoGraph(job.sourceColor, job.width, job.height, job.deliveryTables, gradeFilters,
                                  job.normalization, job.watermark ? QString() : toOutput);
 

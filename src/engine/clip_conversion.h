@@ -35,6 +35,9 @@ struct ClipConversion {
     double fps = 0;        // the source's frame rate; 0 when unknown
     bool deinterlace = false;  // the source is stored as fields
     bool constantRate = false;  // frames at irregular times are brought to `fps`
+    // Non-square source pixels: the frame is first scaled to `width` x
+    // `height`, the size it is shown at, with square pixels.
+    bool squarePixels = false;
     int64_t width = 0;
     int64_t height = 0;
     bool hasAudio = false;

@@ -16,7 +16,7 @@ namespace tavrelune::ProbeReport {
 QStringList arguments(const QString& path)
 {
     return {"-v", "error", "-show_entries",
-            "format=duration,start_time:stream=codec_type,codec_name,channels,width,height,pix_fmt,r_frame_rate,"
+            "format=duration,start_time:stream=codec_type,codec_name,channels,width,height,sample_aspect_ratio,pix_fmt,r_frame_rate,"
             "avg_frame_rate,bit_rate,color_space,color_range,color_primaries,color_transfer,field_order:"
             "stream_tags=rotate:stream_side_data=rotation,dv_profile",
             "-of", "json", path};
@@ -228,6 +228,17 @@ MediaInfo parse(const QString& report)
             "from the phone or camera"));
     if (video) {
         info.width = intValue(video->value("width"));
+        // Non-square pixels (HDV, DV): the width they are shown at. "1:1",
+        // "0:1" (unknown) and absent all mean square.
+        const QStringList aspect = video->value("sample_aspect_ratio").toString().split(QLatin1Char(':'));
+        if (aspect.size() == 2) {
+            const auto across = parseDecimal(aspect[0]);
+            const auto down = parseDecimal(aspect[1]);
+            if (across && down && *across > 0 && *down > 0 && *across != *down) {
+                info.pixelAspect = *across / *down;
+                info.width = std::llround(static_cast<double>(info.width) * info.pixelAspect);
+            }
+        }
         info.height = intValue(video->value("height"));
         // ffmpeg and the preview turn such a clip upright, so its displayed
         // size is what the export's filters and the watermark work with.

@@ -36,6 +36,7 @@ struct ClipItem {
     std::optional<double> fps;
     bool hasAudio = true;
     bool interlaced = false;  // as probed
+    double pixelAspect = 1;   // as probed; width and height are the shown size
     bool variableFrameRate = false;  // as probed; `fps` is then the rate it is made constant at
     std::optional<int64_t> audioBitrate;  // bits per second, when the probe learned it
     QList<AudioTrack> audioTracks;  // as probed; empty until then

@@ -32,7 +32,9 @@ double nearestStandardRate(double fps);
 
 struct MediaInfo {
     double duration = 0;          // seconds; 0 when unknown
-    int64_t width = 0;            // first video stream as shown (turned upright), 0 when absent
+    // First video stream as shown: turned upright, non-square pixels
+    // widened to square ones; 0 when absent.
+    int64_t width = 0;
     int64_t height = 0;
     QString codecName = QStringLiteral("unknown");
     QString pixFmt;               // empty when absent
@@ -44,6 +46,7 @@ struct MediaInfo {
     // Stored as fields (ffprobe's field_order tt, bb, tb or bt), not as
     // whole frames; deinterlaced by the export and the preview.
     bool interlaced = false;
+    double pixelAspect = 1;       // stored pixel's width over height (HDV 4:3)
     // Frames at irregular times (phones, screen recordings): `fps` is then
     // the standard rate nearest the average, which the export makes constant.
     bool variableFrameRate = false;

@@ -170,6 +170,34 @@ TEST_F(ClipConversionTest, VariableFrameRateBecomesTheNearestStandardRate)
     EXPECT_NEAR(frames, 60, 1);
 }
 
+// HDV-style pixels, 4:3 wide: the file has square pixels at the shown size,
+// and a square watermark placed on the shown picture stays square.
+TEST_F(ClipConversionTest, NonSquarePixelsBecomeSquareAtTheShownSize)
+{
+    ClipConversion hdv = job({.width = 360, .height = 270, .seconds = 0.2, .audio = false, .pattern = "color",
+                              .filter = "setsar=4/3"});
+    const MediaInfo probed = waitForTask(service.probe(hdv.input));
+    ASSERT_EQ(probed.width, 480);
+    hdv.width = probed.width;
+    hdv.squarePixels = std::abs(probed.pixelAspect - 1) > 0.001;
+    QImage mark(40, 40, QImage::Format_ARGB32);
+    mark.fill(Qt::green);
+    ASSERT_TRUE(mark.save(file("mark.png")));
+    hdv.watermark = WatermarkOverlay{file("mark.png"), 0.1, 0.1, 0.25, 1.0, 1.0};
+    EXPECT_EQ(convert(hdv), "");
+    EXPECT_EQ(probe("width") + "x" + probe("height") + " " + probe("sample_aspect_ratio"), "480x270 1:1");
+
+    const QString still = file("still.png");
+    ASSERT_EQ(test::failureOf(service.extractFrame(hdv.output, 0.1, still, 480)), std::nullopt);
+    const QImage frame(still);
+    QRect green;
+    for (int y = 0; y < frame.height(); ++y)
+        for (int x = 0; x < frame.width(); ++x)
+            if (const QColor c = frame.pixelColor(x, y); c.green() > 180 && c.red() < 90 && c.blue() < 90)
+                green |= QRect(x, y, 1, 1);
+    EXPECT_NEAR(double(green.width()) / green.height(), 1.0, 0.05) << green.width() << "x" << green.height();
+}
+
 // A trim starts on the frame the In & Out window showed: frame 140 at
 // 30 fps starts at 4.6667 s, which three decimals round past.
 TEST_F(ClipConversionTest, TrimStartsOnTheFrameShownAndKeepsWholeFrames)
