@@ -4,18 +4,15 @@
 #include "controller/output_claim.h"
 #include "controller/output_naming.h"
 #include "engine/concat_job.h"
+#include "engine/next_signal.h"
 #include "engine/silent_track.h"
 #include "grading/cube_writer.h"
 #include "model/media_type.h"
-#include "grading/baked_cube.h"
-#include "grading/delivery_table.h"
-#include "model/delivery_conversion.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include "engine/next_signal.h"
 
 namespace tavrelune {
 
@@ -351,47 +348,6 @@ QCoro::Task<MediaInfo> AppModel::checkFinishedOutput(QString path, ExpectedOutpu
     if (const auto mismatch = outputMismatch(expected, probed))
         throw FFmpegError::conversionFailed(*mismatch);
     co_return probed;
-}
-
-bool AppModel::previewLacksLUT() const
-{
-    return !lutURL_.isEmpty() && !grader_.lut();
-}
-
-std::optional<QString> AppModel::matchedPreviewCube(const ClipItem& clip, bool write) const
-{
-    const GradeValues grade{clip.exposure, clip.contrast, clip.saturation, clip.temperature};
-    if (!BakedCube::isNeeded(grade, grader_.lut()))
-        return std::nullopt;
-    if (write)
-        return BakedCube::writeBakedCube(workspace_, grade, grader_.lut());
-    return QDir(workspace_).filePath(BakedCube::fileName(grade, grader_.lut()));
-}
-
-void AppModel::prepareColour(ClipConversion& job, const ClipItem& clip, QStringList* written) const
-{
-    const auto remember = [written](const QString& path) {
-        if (written && !written->contains(path))
-            *written << path;
-    };
-    // The preview shows the table the grader holds; a LUT it cannot read
-    // (not a .cube) is left to ffmpeg's own filters.
-    if (job.settings.matchPreview && previewLacksLUT())
-        job.settings.matchPreview = false;
-    if (job.settings.matchPreview) {
-        job.bakedCube = matchedPreviewCube(clip, written != nullptr);
-        if (job.bakedCube)
-            remember(*job.bakedCube);
-    }
-    const DeliveryConversion conversion = deliveryConversionFor(clip.color);
-    if (conversion == DeliveryConversion::none)
-        return;
-    // The dry run names the files a run would write.
-    const DeliveryTable::TableFiles tables = written ? DeliveryTable::writeTables(workspace_, conversion)
-                                                     : DeliveryTable::tableFiles(workspace_, conversion);
-    remember(tables.light);
-    remember(tables.encoding);
-    job.deliveryTables = tables;
 }
 
 std::optional<QString> AppModel::stagedLUTTarget(const QString& source) const
