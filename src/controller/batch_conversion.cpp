@@ -276,8 +276,9 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         try {
             claim = OutputClaim::claim(chooseName, workspace_);
             output = claim->finalPath();
-            co_await ffmpeg_.concatenate(parts, claim->temporaryPath(), sum, settings_, plan.width,
-                                         plan.height, onJoinProgress, stop);
+            co_await ffmpeg_.concatenate(parts, claim->temporaryPath(), sum, settings_,
+                                         plan.normalization.value_or(VideoNormalization{}), onJoinProgress,
+                                         stop);
             co_await checkFinishedOutput(claim->temporaryPath(),
                                          expectedJoinedOutput(plan, settings_, partsDuration), stop);
             claim->commit();
@@ -418,7 +419,7 @@ std::vector<PlannedCommand> AppModel::plannedCommands() const
     if (plan.combine) {
         const QString output = OutputNaming::uniqueCombinedOutputPath(folder, now_(), taken);
         const QString list = concatListPath(partsFolder);
-        commands.push_back({concatCopyArguments(list, output), output});
+        commands.push_back({concatCopyArguments(list, output, settings_), output});
     }
     return commands;
 }

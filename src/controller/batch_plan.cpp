@@ -49,7 +49,7 @@ double exportDuration(const ClipItem& clip)
 
 QString partFileName(int position)
 {
-    return QString::asprintf("%03d.mp4", position);
+    return QString::asprintf("%03d.mov", position);
 }
 
 ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const QString& output,

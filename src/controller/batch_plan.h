@@ -31,7 +31,8 @@ BatchPlan planBatch(const QList<ClipItem>& clips, const EncodeSettings& settings
 // Length of a clip's export: its trimmed length, else its length, else 0.
 double exportDuration(const ClipItem& clip);
 
-// File name of the part at `position` in the parts folder: 000.mp4, 001.mp4, ...
+// File name of the part at `position` in the parts folder: 000.mov,
+// 001.mov, ... (QuickTime holds the parts' uncompressed audio; MP4 cannot).
 QString partFileName(int position);
 
 // One clip's export job within the batch.
@@ -47,8 +48,7 @@ ExpectedOutput expectedClipOutput(const ClipItem& clip, const BatchPlan& plan, c
 
 // What the joined file of a combined batch must hold: the normalization's
 // size and audio tracks, and the length of the parts as they were made (each part
-// is checked against its clip's length first; AAC frames make each a few
-// milliseconds longer, which would add up over many parts).
+// is checked against its clip's length first).
 ExpectedOutput expectedJoinedOutput(const BatchPlan& plan, const EncodeSettings& settings, double partsDuration);
 
 }  // namespace tavrelune

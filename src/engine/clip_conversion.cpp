@@ -11,10 +11,17 @@ namespace tavrelune {
 
 namespace {
 
-const QStringList reencodedAudio{QStringLiteral("-c:a"), QStringLiteral("aac"),
-                                 QStringLiteral("-ar"), QStringLiteral("48000"),
-                                 QStringLiteral("-ac"), QStringLiteral("2"),
-                                 QStringLiteral("-b:a"), QStringLiteral("192k")};
+// The length the output is cut to: a trim's whole frames; a part's whole
+// length on the batch's frame grid (its audio is padded to that); else
+// none.
+double outputLength(const ClipConversion& job)
+{
+    if (job.trim)
+        return frameSpan(job.startTime, job.duration, job.fps).length;
+    if (job.normalization && job.duration > 0)
+        return frameSpan(0, job.duration, job.normalization->fps).length;
+    return 0;
+}
 
 bool copiesTrack(const ClipConversion& job, const AudioTrack& track)
 {
@@ -54,8 +61,10 @@ QStringList audioArguments(const ClipConversion& job)
         return {noAudio};
     if (!job.normalization)
         return job.hasAudio ? separateTrackArguments(job) : QStringList{noAudio};
-    // A part: the batch's layout of stereo AAC tracks, the clip's own first
-    // and silence after them.
+    // A part: the batch's layout of stereo tracks, the clip's own first and
+    // silence after them. Uncompressed, and padded with silence to the
+    // part's length: the join encodes the audio once, and each part's sound
+    // lasts exactly as long as its picture, so nothing drifts at the joins.
     const int layout = job.normalization->audioTracks;
     if (layout <= 0)
         return {noAudio};
@@ -67,8 +76,12 @@ QStringList audioArguments(const ClipConversion& job)
     const QString silence = job.watermark ? QStringLiteral("2:a:0") : QStringLiteral("1:a:0");
     for (int index = own; index < layout; ++index)
         arguments << QStringLiteral("-map") << silence;
-    arguments << reencodedAudio;
-    if (job.needsSilence())
+    arguments << QStringLiteral("-c:a") << QStringLiteral("pcm_s16le") << QStringLiteral("-ar")
+              << QStringLiteral("48000") << QStringLiteral("-ac") << QStringLiteral("2");
+    // Endless padding needs a known length to stop at.
+    if (outputLength(job) > 0)
+        arguments << QStringLiteral("-af") << QStringLiteral("apad");
+    else if (job.needsSilence())
         arguments << QStringLiteral("-shortest");
     return arguments;
 }
@@ -191,7 +204,11 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
                   << QStringLiteral("anullsrc=channel_layout=stereo:sample_rate=48000");
     if (job.watermark) {
         arguments << QStringLiteral("-filter_complex")
-                  << FFmpegService::watermarkFilterComplex(grade, *job.watermark, width, height, toOutput)
+                  << FFmpegService::watermarkFilterComplex(
+                         grade, *job.watermark, width, height, toOutput,
+                         job.normalization ? std::optional(FFmpegService::partPicture(*job.normalization, job.width,
+                                                                                      job.height))
+                                           : std::nullopt)
                   << QStringLiteral("-map") << QStringLiteral("[vout]");
     } else {
         arguments << QStringLiteral("-vf") << grade << QStringLiteral("-map") << QStringLiteral("0:v:0");
@@ -201,8 +218,8 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
         bitrateKbps(job.settings.quality, width, height, job.settings.codec, outputFps(job)));
     arguments << ExportColour::outputColorArguments(output);
     arguments << QStringLiteral("-sn");
-    if (job.trim && span.length > 0)
-        arguments << QStringLiteral("-t") << fixedDecimal(span.length, 6);
+    if (const double length = outputLength(job); length > 0)
+        arguments << QStringLiteral("-t") << fixedDecimal(length, 6);
     arguments << audioArguments(job);
     arguments << QStringLiteral("-movflags") << QStringLiteral("+faststart")
               << QStringLiteral("-progress") << QStringLiteral("pipe:1")

@@ -32,19 +32,43 @@ private:
 
 }  // namespace
 
+QCoro::Task<double> FFmpegService::partVideoDuration(QString path, std::stop_token stop)
+{
+    QString report;
+    std::exception_ptr failure;
+    try {
+        report = co_await run(binaryPath(QStringLiteral("ffprobe")), partDurationArguments(path), false, {}, stop);
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    // A part that cannot be measured is joined by its whole length; the
+    // join itself reports a part that cannot be read.
+    if (failure && isCancellation(failure))
+        std::rethrow_exception(failure);
+    co_return partDuration(report);
+}
+
 QCoro::Task<void> FFmpegService::concatenate(QStringList inputs, QString output, double duration,
-                                             EncodeSettings settings, int64_t width, int64_t height,
+                                             EncodeSettings settings, VideoNormalization size,
                                              ProgressCallback onProgress, std::stop_token stop)
 {
     if (inputs.isEmpty())
         throw FFmpegError::conversionFailed(QStringLiteral("No clips to concatenate."));
-    const QString listPath = concatListPath(QFileInfo(inputs.first()).path());
-    writeListFile(listPath, concatListText(inputs));
+    QList<ConcatPart> parts;
+    for (const QString& input : inputs) {
+        // Awaited on its own: GCC 12 miscompiles a co_await inside a braced
+        // initializer.
+        const double length = co_await partVideoDuration(input, stop);
+        parts.append(ConcatPart{input, length});
+    }
+    const QString listFolder = QFileInfo(inputs.first()).path();
+    const QString listPath = concatListPath(listFolder);
+    writeListFile(listPath, concatListText(parts, listFolder));
     const ListFileRemoval removal(listPath);
 
     std::exception_ptr copyFailure;
     try {
-        co_await runConversion(concatCopyArguments(listPath, output), duration, onProgress, stop);
+        co_await runConversion(concatCopyArguments(listPath, output, settings), duration, onProgress, stop);
     } catch (...) {
         copyFailure = std::current_exception();
     }
@@ -55,7 +79,7 @@ QCoro::Task<void> FFmpegService::concatenate(QStringList inputs, QString output,
         // stream; re-encoding joins anything ffmpeg can decode.
         co_await detectEncoders(stop);
         co_await runConversion(
-            concatReencodeArguments(listPath, output, encoder(settings.codec), settings, width, height),
+            concatReencodeArguments(listPath, output, encoder(settings.codec), settings, size),
             duration, onProgress, stop);
     }
     if (QFileInfo(output).size() <= 0)

@@ -65,7 +65,7 @@ QString videoGraph(const ColorTags& source, int64_t width, int64_t height,
     filters << gradeFilters;
     // Pinned, so the size steps cannot hand the final conversion YUV that
     // ffmpeg's default matrix has already made.
-    filters << FFmpegService::sizeFilters(normalization) << QStringLiteral("format=gbrp16le");
+    filters << FFmpegService::sizeFilters(normalization, width, height) << QStringLiteral("format=gbrp16le");
     if (!outputConversion.isEmpty())
         filters << outputConversion;
     return filters.join(QLatin1Char(','));

@@ -35,6 +35,7 @@
 #include "watermark/watermark_settings.h"
 
 #include <QPointer>
+#include <QRect>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -72,6 +73,8 @@ public:
     void cancel();
 
     // Duration, size, codec, frame rate and audio presence of a media file.
+    // A stream that does not say whether it holds fields is judged by its
+    // first frames (see field_detection.h).
     QCoro::Task<MediaInfo> probe(QString path, std::stop_token stop = {});
 
     // How long a terminated child may take before it is killed.
@@ -105,13 +108,15 @@ public:
     // tracked conversion.
     QCoro::Task<bool> firstAudioTrackSilent(QString path, int tracks, std::stop_token stop = {});
 
-    // Joins parts that share one normalization, in order, into `output`:
-    // first by stream copy, then, on any failure but a stop, by re-encoding
-    // at the bitrate for width x height. `duration` is the expected total,
-    // used for progress only. The inputs share one folder of their own;
-    // "tavrelune-concat.txt" is written there and removed on every way out.
+    // Joins parts made to the normalization `size`, in order, into
+    // `output`: video by stream copy (then, on any failure but a stop, by
+    // re-encoding at the bitrate for that size and rate) and audio encoded
+    // once. Each part counts as long as its picture. `duration` is the
+    // expected total, used for progress only. The inputs share one folder of
+    // their own; "tavrelune-concat.txt" is written there and removed on
+    // every way out.
     QCoro::Task<void> concatenate(QStringList inputs, QString output, double duration,
-                                  EncodeSettings settings, int64_t width, int64_t height,
+                                  EncodeSettings settings, VideoNormalization size,
                                   ProgressCallback onProgress, std::stop_token stop = {});
 
     // Writes the frame at `at` as an 8-bit RGB image `width` pixels wide,
@@ -133,9 +138,14 @@ public:
     // contrast and saturation, each left out when neutral).
     static QStringList gradeFilters(const std::optional<QString>& lutPath, double exposure, double contrast,
                                     double temperature, double saturation);
-    // The size steps of every chain: even sides, or fitted and padded to a
-    // normalization with square pixels and its frame rate.
-    static QStringList sizeFilters(const std::optional<VideoNormalization>& normalization);
+    // The size steps of every chain: even sides, or the picture (shown at
+    // `pictureWidth` x `pictureHeight`) fitted into a normalization's frame
+    // at `partPicture`, bars around it, square pixels and the frame rate.
+    static QStringList sizeFilters(const std::optional<VideoNormalization>& normalization,
+                                   int64_t pictureWidth = 0, int64_t pictureHeight = 0);
+    // Where a picture of that shown size lies in the normalization's frame:
+    // fitted, centred, even sides (the whole frame for an unknown size).
+    static QRect partPicture(const VideoNormalization& frame, int64_t pictureWidth, int64_t pictureHeight);
     // A backslash before every backslash, colon, quote, comma, bracket and
     // semicolon. That is one level of escaping: enough for the graph parser,
     // but lut3d parses its options once more, so a LUT path holding a colon,
@@ -144,10 +154,12 @@ public:
     static QString escapeFilterPath(const QString& path);
     // Input 0 graded with `grade` (which must end in gbrp16le), input 1
     // overlaid at the clamped placement, output "[vout]" in yuv420p made by
-    // `outputConversion`.
+    // `outputConversion`. The placement is relative to `picture` within the
+    // frame (a part's picture inside its bars), else to the whole frame.
     static QString watermarkFilterComplex(const QString& grade, const WatermarkOverlay& watermark,
                                           int64_t outputWidth, int64_t outputHeight,
-                                          const QString& outputConversion = QStringLiteral("format=yuv420p"));
+                                          const QString& outputConversion = QStringLiteral("format=yuv420p"),
+                                          std::optional<QRect> picture = std::nullopt);
 
 private:
     struct TrackedChild {
@@ -157,6 +169,8 @@ private:
 
     void stopChild(QProcess* process, RunState& state);
     QCoro::Task<bool> encoderWorks(QString ffmpeg, VideoEncoder candidate, std::stop_token stop);
+    QCoro::Task<bool> picturedAsFields(QString path, std::stop_token stop);
+    QCoro::Task<double> partVideoDuration(QString path, std::stop_token stop);
     QCoro::Task<void> runConversion(QStringList arguments, double duration,
                                     ProgressCallback onProgress, std::stop_token stop);
 

@@ -76,7 +76,23 @@ QString FFmpegService::filterGraph(std::optional<QString> lutPath, double exposu
     return filters.join(QLatin1Char(','));
 }
 
-QStringList FFmpegService::sizeFilters(const std::optional<VideoNormalization>& normalization)
+QRect FFmpegService::partPicture(const VideoNormalization& frame, int64_t pictureWidth, int64_t pictureHeight)
+{
+    if (pictureWidth <= 0 || pictureHeight <= 0)
+        return {0, 0, int(frame.width), int(frame.height)};
+    // Even sides, so the picture's edges fall on whole chroma samples.
+    const auto even = [](double length) { return std::max<int64_t>(2 * roundedToInteger(length / 2), 2); };
+    int64_t width = frame.width;
+    int64_t height = even(double(frame.width) * double(pictureHeight) / double(pictureWidth));
+    if (height > frame.height) {
+        height = frame.height;
+        width = std::min(even(double(frame.height) * double(pictureWidth) / double(pictureHeight)), frame.width);
+    }
+    return {int((frame.width - width) / 2), int((frame.height - height) / 2), int(width), int(height)};
+}
+
+QStringList FFmpegService::sizeFilters(const std::optional<VideoNormalization>& normalization,
+                                       int64_t pictureWidth, int64_t pictureHeight)
 {
     if (!normalization) {
         // Chroma subsampling needs even sides: an odd side loses its last
@@ -86,10 +102,18 @@ QStringList FFmpegService::sizeFilters(const std::optional<VideoNormalization>& 
     }
     const QString width = QString::number(normalization->width);
     const QString height = QString::number(normalization->height);
-    return {QStringLiteral("scale=%1:%2:force_original_aspect_ratio=decrease").arg(width, height),
-            QStringLiteral("pad=%1:%2:(ow-iw)/2:(oh-ih)/2").arg(width, height),
-            QStringLiteral("setsar=1"),
-            QStringLiteral("fps=") + fixedDecimal(std::clamp(normalization->fps, 1.0, 120.0), 3)};
+    QStringList filters;
+    if (pictureWidth > 0 && pictureHeight > 0) {
+        // Where the watermark expects it (see partPicture).
+        const QRect picture = partPicture(*normalization, pictureWidth, pictureHeight);
+        filters << QStringLiteral("scale=%1:%2").arg(picture.width()).arg(picture.height())
+                << QStringLiteral("pad=%1:%2:%3:%4").arg(width, height).arg(picture.x()).arg(picture.y());
+    } else {
+        filters << QStringLiteral("scale=%1:%2:force_original_aspect_ratio=decrease").arg(width, height)
+                << QStringLiteral("pad=%1:%2:(ow-iw)/2:(oh-ih)/2").arg(width, height);
+    }
+    return filters << QStringLiteral("setsar=1")
+                   << QStringLiteral("fps=") + fixedDecimal(std::clamp(normalization->fps, 1.0, 120.0), 3);
 }
 
 QString FFmpegService::escapeFilterPath(const QString& path)
@@ -103,10 +127,15 @@ QString FFmpegService::escapeFilterPath(const QString& path)
 
 QString FFmpegService::watermarkFilterComplex(const QString& grade, const WatermarkOverlay& watermark,
                                               int64_t outputWidth, int64_t outputHeight,
-                                              const QString& outputConversion)
+                                              const QString& outputConversion, std::optional<QRect> picture)
 {
-    const double videoAspect = static_cast<double>(outputWidth >= 2 ? outputWidth : 1)
-                             / static_cast<double>(outputHeight >= 2 ? outputHeight : 1);
+    // Placed on the picture, which fills the frame unless a combined
+    // export put bars around it.
+    const QRect area = picture.value_or(QRect(0, 0, int(outputWidth), int(outputHeight)));
+    const int64_t areaWidth = area.width();
+    const int64_t areaHeight = area.height();
+    const double videoAspect = static_cast<double>(areaWidth >= 2 ? areaWidth : 1)
+                             / static_cast<double>(areaHeight >= 2 ? areaHeight : 1);
     const double imageAspect = std::max(watermark.imageAspect, WatermarkSettings::minimumAspect);
     WatermarkSettings placement;
     placement.x = watermark.x;
@@ -116,16 +145,16 @@ QString FFmpegService::watermarkFilterComplex(const QString& grade, const Waterm
     placement = placement.clamped(imageAspect, videoAspect);
 
     const auto w = std::max<int64_t>(
-        roundedToInteger(placement.widthFraction * static_cast<double>(outputWidth)), 2);
+        roundedToInteger(placement.widthFraction * static_cast<double>(areaWidth)), 2);
     const auto h = std::max<int64_t>(roundedToInteger(static_cast<double>(w) / imageAspect), 2);
     // The top-left corner sits at the fractions, but never so far that the
-    // image would cross the right or bottom edge.
-    const int64_t x = std::min(
-        std::max<int64_t>(outputWidth - w, 0),
-        std::max<int64_t>(roundedToInteger(placement.x * static_cast<double>(outputWidth)), 0));
-    const int64_t y = std::min(
-        std::max<int64_t>(outputHeight - h, 0),
-        std::max<int64_t>(roundedToInteger(placement.y * static_cast<double>(outputHeight)), 0));
+    // image would cross the picture's right or bottom edge.
+    const int64_t x = area.x() + std::min(
+        std::max<int64_t>(areaWidth - w, 0),
+        std::max<int64_t>(roundedToInteger(placement.x * static_cast<double>(areaWidth)), 0));
+    const int64_t y = area.y() + std::min(
+        std::max<int64_t>(areaHeight - h, 0),
+        std::max<int64_t>(roundedToInteger(placement.y * static_cast<double>(areaHeight)), 0));
 
     QStringList chain{QStringLiteral("format=rgba")};
     if (placement.opacity < 0.999)

@@ -49,6 +49,21 @@ double startTime(const QString& report)
     return document.isObject() ? doubleValue(document.object().value("format").toObject().value("start_time")) : 0;
 }
 
+bool statesFieldOrder(const QString& report)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(report.toUtf8());
+    if (!document.isObject())
+        return false;
+    for (const QJsonValue& element : document.object().value("streams").toArray()) {
+        const QJsonObject stream = element.toObject();
+        if (stream.value("codec_type").toString() != QLatin1String("video"))
+            continue;
+        const QString order = stream.value("field_order").toString();
+        return !order.isEmpty() && order != QLatin1String("unknown");
+    }
+    return false;
+}
+
 namespace {
 
 bool isInteger(const QJsonValue& value)

@@ -29,6 +29,9 @@ QStringList packetArguments(const QString& path);
 double durationFromPackets(const QString& csvLines, double startTime);
 // The format's start time from a report (0 when absent).
 double startTime(const QString& report);
+// Whether the report's first video stream says how it is stored (any
+// field_order but "unknown"); false without a video stream.
+bool statesFieldOrder(const QString& report);
 
 // Lenient conversions; an absent value is QJsonValue::Undefined.
 double doubleValue(const QJsonValue& value);

@@ -105,8 +105,8 @@ TEST(BatchPlan, JobTakesTheClipsTrimGradeAndFallbackSize)
 
     ClipItem unprobed(QUrl::fromLocalFile("/c/b.mov"));
     EXPECT_EQ(exportDuration(unprobed), 0);
-    EXPECT_EQ(partFileName(0), "000.mp4");
-    EXPECT_EQ(partFileName(12), "012.mp4");
+    EXPECT_EQ(partFileName(0), "000.mov");
+    EXPECT_EQ(partFileName(12), "012.mov");
 }
 
 TEST(OutputNaming, NumbersTakenNames)

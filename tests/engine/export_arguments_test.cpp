@@ -40,7 +40,7 @@ QString graph(double exposure, double contrast, double temperature, double satur
 
 const QString head = "-nostdin -hide_banner -loglevel error -y ";
 const QString tail = " -movflags +faststart -progress pipe:1 -nostats /out/c.mp4";
-const QString aac = "-c:a aac -ar 48000 -ac 2 -b:a 192k";
+const QString pcm = "-c:a pcm_s16le -ar 48000 -ac 2 -af apad";
 
 TEST(ConversionArguments, TrimsStartOnTheFrameShownAtTheInPointAndEndBeforeTheOutPoint)
 {
@@ -95,19 +95,18 @@ TEST(ConversionArguments, FullListsOfTheTypicalJobs)
     part.watermark = WatermarkOverlay{"/w/m.png", 0.75, 0.05, 0.2, 1, 2};
     EXPECT_EQ(argumentsOf(part), head + "-i /in/c.mov -i /w/m.png -f lavfi -i anullsrc=channel_layout=stereo:"
               "sample_rate=48000 -filter_complex [0:v]scale=in_color_matrix=bt709:in_range=tv,format=gbrp16le,"
-              "scale=1280:720:force_original_aspect_ratio=decrease,pad=1280:720:(ow-iw)/2:(oh-ih)/2,setsar=1,"
+              "scale=1280:720,pad=1280:720:0:0,setsar=1,"
               "fps=25.000,format=gbrp16le[v];[1:v]format=rgba,scale=256:-1:flags=lanczos[wm];[v][wm]overlay=960:36:"
               "format=auto,scale=out_color_matrix=bt709:out_range=tv,format=yuv420p[vout] -map [vout] "
-              + encoding(VideoCodec::h264, "8294k") + tags + " -sn -map 2:a:0 " + aac
-              + " -shortest" + tail);
+              + encoding(VideoCodec::h264, "8294k") + tags + " -sn -t 10.000000 -map 2:a:0 " + pcm + tail);
     part.watermark.reset();
-    EXPECT_TRUE(argumentsOf(part).contains("-sn -map 1:a:0 -c:a aac"));
+    EXPECT_TRUE(argumentsOf(part).contains("-sn -t 10.000000 -map 1:a:0 -c:a pcm_s16le"));
     // Removal wins over the silent track; a combined part never copies audio.
     part.settings.removeAudio = true;
-    EXPECT_TRUE(argumentsOf(part).endsWith("-sn -an" + tail));
+    EXPECT_TRUE(argumentsOf(part).endsWith("-sn -t 10.000000 -an" + tail));
     part.settings.removeAudio = false;
     part.hasAudio = true;
-    EXPECT_TRUE(argumentsOf(part).endsWith("-sn -map 0:a:0? " + aac + tail));
+    EXPECT_TRUE(argumentsOf(part).endsWith("-sn -t 10.000000 -map 0:a:0? " + pcm + tail));
 }
 
 // Per track: copied when MP4 takes the codec and the clip is whole, else
@@ -130,9 +129,12 @@ TEST(ConversionArguments, EveryAudioTrackIsKept)
 
     ClipConversion part = fullHdClip(VideoCodec::h264);
     part.normalization = VideoNormalization{1280, 720, 25, 3};
-    EXPECT_EQ(audioOf(part), "-map 0:a:0? -map 1:a:0 -map 1:a:0 " + aac + " -shortest");
+    EXPECT_EQ(audioOf(part), "-t 10.000000 -map 0:a:0? -map 1:a:0 -map 1:a:0 " + pcm);
+    part.duration = 0;  // unknown length: the silence ends with the picture
+    EXPECT_TRUE(audioOf(part).endsWith("-ac 2 -shortest"));
+    part.duration = 10;
     part.audioTracks = {{"aac", 2}, {"aac", 2}, {"pcm_s16le", 1}};
-    EXPECT_EQ(audioOf(part), "-map 0:a:0? -map 0:a:1? -map 0:a:2? " + aac);
+    EXPECT_EQ(audioOf(part), "-t 10.000000 -map 0:a:0? -map 0:a:1? -map 0:a:2? " + pcm);
     EXPECT_FALSE(part.needsSilence());
     EXPECT_FALSE(argumentsOf(part).contains("anullsrc"));
 }
@@ -144,8 +146,8 @@ TEST(ConversionArguments, ProgressConcatListAndStillSeek)
     EXPECT_EQ(progressFraction(u"out_time_ms=-40000", 10), 0.0) << "ffmpeg starts slightly below zero";
     EXPECT_EQ(progressFraction(u"out_time_ms=5000000", 0), std::nullopt);
     EXPECT_FALSE(isAudioCopyFailure("Cancelled"));
-    EXPECT_EQ(concatListText({"/tmp/a/001.mp4", "/tmp/it's.mp4"}),
-              "file '/tmp/a/001.mp4'\nfile '/tmp/it'\\''s.mp4'\n");
+    EXPECT_EQ(concatListText({{"/tmp/a\nb/001.mov", 0.52}, {"/tmp/it's.mov", 0}}, "/tmp/a\nb"),
+              "file '001.mov'\noutpoint 0.520000\nfile '/tmp/it'\\''s.mov'\n");
     for (const double at : {-1.0, std::nan("")})
         EXPECT_EQ(frameExtractionArguments("/c.mkv", at, "/s.png", 640).at(6), "0.000");
 }

@@ -58,10 +58,11 @@ TEST(ExportColour, BothModesReadTheSourceExplicitlyAndTagTheOutput)
                          .normalization = VideoNormalization{720, 576, 25, false},
                          .watermark = WatermarkOverlay{"/w/m.png", 0, 0, 0.2, 1, 2}};
     const QString arguments = conversionArguments(job, encoder).join(' ');
-    EXPECT_TRUE(arguments.contains("[0:v]scale=in_color_matrix=bt601:in_range=tv,format=gbrp16le,scale=720:576:"))
+    EXPECT_TRUE(arguments.contains("[0:v]scale=in_color_matrix=bt601:in_range=tv,format=gbrp16le,scale=720:540,"
+                                   "pad=720:576:0:18,setsar=1,"))
         << arguments.toStdString();
     EXPECT_TRUE(arguments.contains("fps=25.000,format=gbrp16le[v];[1:v]"));
-    EXPECT_TRUE(arguments.contains("overlay=0:0:format=auto,scale=out_color_matrix=bt601:out_range=tv,"
+    EXPECT_TRUE(arguments.contains("overlay=0:18:format=auto,scale=out_color_matrix=bt601:out_range=tv,"
                                    "format=yuv420p[vout]"));
     EXPECT_TRUE(arguments.contains("-colorspace smpte170m -color_primaries bt709 -color_trc bt709 -color_range tv"));
     EXPECT_FALSE(arguments.contains("lut3d"));

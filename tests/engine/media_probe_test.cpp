@@ -84,3 +84,17 @@ TEST_F(MediaProbeTest, NonMediaFileFailsWithFfprobesOwnMessage)
         EXPECT_TRUE(error.description().contains("Invalid data found")) << error.description().toStdString();
     }
 }
+
+// MPEG-4 in AVI does not say whether it holds fields: the first frames do.
+TEST_F(MediaProbeTest, FieldsAreFoundInAStreamThatDoesNotSayHowItIsStored)
+{
+    for (const auto& [pattern, fields] : {std::pair{"testsrc2", true}, {"testsrc", false}}) {
+        const QString path = folder.file(QString(pattern) + ".avi");
+        makeClip(path, {.width = 320, .height = 240, .rate = "50", .seconds = 1.0, .audio = false,
+                        .videoCodec = "mpeg4", .pattern = pattern,
+                        .filter = fields ? "tinterlace=interleave_top,fieldorder=tff" : "fps=25",
+                        .videoOptions = {"-q:v", "3"}});
+        ASSERT_EQ(probeEntry(path, "field_order"), "unknown");
+        EXPECT_EQ(probe(path).interlaced, fields) << pattern;
+    }
+}
