@@ -72,14 +72,8 @@ std::optional<QString> inputProblem(const ConvertRequest& request)
 std::optional<QString> unsupportedInput(const ClipItem& clip)
 {
     const QString path = clip.url.toLocalFile();
-    if (clip.errorMessage) {
-        // ffprobe's last line says what is wrong (lines before it are its
-        // demuxers' notes) and names the file itself; it is named once, here.
-        QString reason = clip.errorMessage->trimmed().section('\n', -1);
-        if (reason.startsWith(path + ": "))
-            reason.remove(0, path.size() + 2);
-        return path + ": unsupported input: " + reason;
-    }
+    if (clip.readError)
+        return path + ": unsupported input: " + *clip.readError;
     if (clip.width.value_or(0) <= 0 || clip.height.value_or(0) <= 0)
         return path + ": unsupported input: no video stream";
     return std::nullopt;

@@ -35,6 +35,7 @@
 #include <QList>
 #include <QObject>
 #include <QPointer>
+#include <QSet>
 #include <QUrl>
 #include <QUuid>
 #include <functional>
@@ -303,20 +304,37 @@ private:
     // the loader rejects, PlatformError when it cannot be written.
     std::optional<QString> preparedLUTPath(const std::optional<QString>& source = std::nullopt);
     std::optional<QString> stagedLUTTarget(const QString& source) const;
+    // The table the preview grades with, as a batch fixes it at its start.
+    struct BatchLook {
+        std::optional<CubeLUT> lut;
+        // A LUT is chosen that the preview could not read: matched exports
+        // fall back to the filter chain.
+        bool previewLacksLUT = false;
+    };
+    BatchLook currentLook() const;
     // The baked preview grade of a clip in the working folder (written when
     // `write`, else only named); none when the clip needs no table.
-    std::optional<QString> matchedPreviewCube(const ClipItem& clip, bool write) const;
-    // A LUT is chosen that the preview could not read: matched exports fall
-    // back to the filter chain.
-    bool previewLacksLUT() const;
+    std::optional<QString> matchedPreviewCube(const ClipItem& clip, const BatchLook& look, bool write) const;
     // The job's export mode, baked grade and delivery table; files are
     // written (and listed in `written`) only when `written` is given.
-    void prepareColour(ClipConversion& job, const ClipItem& clip, QStringList* written) const;
+    void prepareColour(ClipConversion& job, const ClipItem& clip, const BatchLook& look,
+                       QStringList* written) const;
+    // A copy of a staged file that is the running batch's own ("batch-"
+    // before its name), so a LUT or watermark chosen meanwhile cannot reach
+    // it. Throws PlatformError.
+    QString batchCopy(const QString& staged) const;
     WatermarkOverlay preparedWatermarkOverlay();
     std::optional<WatermarkOverlay> preparedExportWatermark();
     WatermarkOverlay overlayFor(const QString& imagePath) const;
+    // The default size and place, bottom right, for the selected clip's shape.
+    void placeWatermarkByDefault(const QUrl& url, double opacity);
+    // The selected clip's shape became known: a watermark still where it was
+    // first put goes to the default place for that shape.
+    void followShapeWithDefaultWatermark();
     double watermarkImageAspect() const;
-    void applyProgress(int position, double fraction, int denominator);
+    // One clip's progress: `fraction` of its `share` of the batch, which
+    // starts at `start`.
+    void applyProgress(const QUuid& clip, double start, double share, double fraction);
     QString finalStatus(bool cancelled, bool stopped, bool combine) const;
     // Between a conversion's end and its rename into place: probes the
     // written file and throws when it is not what the export was to make;
@@ -355,12 +373,14 @@ private:
     std::stop_source convertTask_;  // stop handle of the latest batch task
     bool batchRunning_ = false;
     int runningProbePasses_ = 0;
+    QSet<QUuid> probing_;  // clips a probe pass is reading now
     bool detectingEncoders_ = false;
     std::stop_source previewTask_;  // the one pending preview load or still
     int runningExtractions_ = 0;
     bool previews_ = true;
     std::optional<QString> stagedLUT_;
     std::optional<QString> stagedWatermark_;
+    bool watermarkAtDefault_ = false;  // placed by default, not yet moved or sized
     std::optional<QString> sourceFrameURL_;
     bool isScrubbing_ = false;
     bool isTrimScrubbing_ = false;

@@ -1,31 +1,39 @@
-// What each export of a batch needs for its colour: the baked preview grade
-// or the filter chain, and the delivery tables of HDR and BT.2020 clips.
+// What each export of a batch needs for its colour: the staged LUT, the
+// baked preview grade or the filter chain, and the delivery tables of HDR
+// and BT.2020 clips.
 #include "controller/app_model.h"
 
 #include "grading/baked_cube.h"
 #include "grading/delivery_table.h"
 #include "model/delivery_conversion.h"
 
+#include "grading/cube_writer.h"
+#include "model/media_type.h"
+
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
 
 namespace tavrelune {
 
-bool AppModel::previewLacksLUT() const
+AppModel::BatchLook AppModel::currentLook() const
 {
-    return !lutURL_.isEmpty() && !grader_.lut();
+    return {grader_.lut(), !lutURL_.isEmpty() && !grader_.lut()};
 }
 
-std::optional<QString> AppModel::matchedPreviewCube(const ClipItem& clip, bool write) const
+std::optional<QString> AppModel::matchedPreviewCube(const ClipItem& clip, const BatchLook& look, bool write) const
 {
     const GradeValues grade{clip.exposure, clip.contrast, clip.saturation, clip.temperature};
-    if (!BakedCube::isNeeded(grade, grader_.lut()))
+    if (!BakedCube::isNeeded(grade, look.lut))
         return std::nullopt;
     if (write)
-        return BakedCube::writeBakedCube(workspace_, grade, grader_.lut());
-    return QDir(workspace_).filePath(BakedCube::fileName(grade, grader_.lut()));
+        return BakedCube::writeBakedCube(workspace_, grade, look.lut);
+    return QDir(workspace_).filePath(BakedCube::fileName(grade, look.lut));
 }
 
-void AppModel::prepareColour(ClipConversion& job, const ClipItem& clip, QStringList* written) const
+void AppModel::prepareColour(ClipConversion& job, const ClipItem& clip, const BatchLook& look,
+                             QStringList* written) const
 {
     const auto remember = [written](const QString& path) {
         if (written && !written->contains(path))
@@ -33,10 +41,10 @@ void AppModel::prepareColour(ClipConversion& job, const ClipItem& clip, QStringL
     };
     // The preview shows the table the grader holds; a LUT it cannot read
     // (not a .cube) is left to ffmpeg's own filters.
-    if (job.settings.matchPreview && previewLacksLUT())
+    if (job.settings.matchPreview && look.previewLacksLUT)
         job.settings.matchPreview = false;
     if (job.settings.matchPreview) {
-        job.bakedCube = matchedPreviewCube(clip, written != nullptr);
+        job.bakedCube = matchedPreviewCube(clip, look, written != nullptr);
         if (job.bakedCube)
             remember(*job.bakedCube);
     }
@@ -49,6 +57,45 @@ void AppModel::prepareColour(ClipConversion& job, const ClipItem& clip, QStringL
     remember(tables.light);
     remember(tables.encoding);
     job.deliveryTables = tables;
+}
+
+std::optional<QString> AppModel::stagedLUTTarget(const QString& source) const
+{
+    return QDir(workspace_).filePath("active-lut." + QFileInfo(source).suffix().toLower());
+}
+
+std::optional<QString> AppModel::preparedLUTPath(const std::optional<QString>& source)
+{
+    const std::optional<QString> chosen =
+        source ? source : (lutURL_.isEmpty() ? std::nullopt : std::optional(lutURL_.toLocalFile()));
+    if (!chosen)
+        return std::nullopt;
+    if (stagedLUT_ && QFileInfo::exists(*stagedLUT_))
+        return stagedLUT_;
+    const QString target = *stagedLUTTarget(*chosen);
+    QFile::remove(target);
+    if (MediaType::extensionOf(*chosen) != "cube") {
+        // Other formats are ffmpeg's alone to read; the preview shows none.
+        if (!QFile::copy(*chosen, target))
+            return chosen;
+    } else {
+        // The table as the preview reads it, so both show the same colours.
+        const QByteArray text = cubeText(CubeLUT::load(*chosen));
+        QSaveFile file(target);
+        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit())
+            throw PlatformError(QStringLiteral("Could not write the LUT for the export: ") + file.errorString());
+    }
+    stagedLUT_ = target;
+    return target;
+}
+
+QString AppModel::batchCopy(const QString& staged) const
+{
+    const QString copy = QDir(workspace_).filePath(QStringLiteral("batch-") + QFileInfo(staged).fileName());
+    QFile::remove(copy);
+    if (!QFile::copy(staged, copy))
+        throw PlatformError(QStringLiteral("Could not copy %1 for the batch.").arg(QFileInfo(staged).fileName()));
+    return copy;
 }
 
 }  // namespace tavrelune

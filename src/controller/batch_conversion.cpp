@@ -16,14 +16,6 @@
 
 namespace tavrelune {
 
-namespace {
-
-// The parts of a combined batch lie beside its output, on the file system
-// that will hold the result, in a hidden folder of the batch's own.
-const QString partsFolderPrefix = QStringLiteral(".tavrelune-parts-");
-
-}  // namespace
-
 void AppModel::startConversion()
 {
     if (!canConvert() || outputFolder_.isEmpty())
@@ -95,12 +87,10 @@ QCoro::Task<void> AppModel::conversionFinished()
         co_await nextSignal(this, &AppModel::batchEnded);
 }
 
-void AppModel::applyProgress(int position, double fraction, int denominator)
+void AppModel::applyProgress(const QUuid& clip, double start, double share, double fraction)
 {
-    if (position >= clips_.size())
-        return;
-    updateClip(clips_[position].id, [fraction](ClipItem& clip) { clip.progress = fraction; });
-    setConversionFraction((position + fraction) / denominator);
+    updateClip(clip, [fraction](ClipItem& stored) { stored.progress = fraction; });
+    setConversionFraction(start + share * fraction);
 }
 
 QString AppModel::finalStatus(bool cancelled, bool stopped, bool combine) const
@@ -130,15 +120,30 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         Q_EMIT batchEnded();
     };
 
+    // Everything the batch works with is fixed here. Clips added, and a LUT
+    // or watermark chosen while it runs, wait for the next batch; the staged
+    // files it reads are copies of its own.
+    const QList<ClipItem> planned = clips_;
+    const EncodeSettings settings = settings_;
+    const BatchLook look = currentLook();
+    const QString lutName = QFileInfo(lutURL_.toLocalFile()).fileName();
+    const auto inBatch = [&planned](const QUuid& id) {
+        return std::any_of(planned.begin(), planned.end(), [&id](const ClipItem& clip) { return clip.id == id; });
+    };
     std::optional<QString> lutPath;
     std::optional<WatermarkOverlay> watermark;
+    QStringList batchFiles;  // removed when the batch ends
     QString failedStep;  // the status line when the step in hand fails
     try {
         failedStep = QStringLiteral("Could not prepare the LUT.");
-        lutPath = preparedLUTPath();
+        if ((lutPath = preparedLUTPath()) && QFileInfo(*lutPath).path() == QDir(workspace_).path())
+            batchFiles << (*lutPath = batchCopy(*lutPath));
         failedStep = QStringLiteral("Could not prepare the watermark.");
-        watermark = preparedExportWatermark();
+        if ((watermark = preparedExportWatermark()))
+            batchFiles << (watermark->imagePath = batchCopy(watermark->imagePath));
     } catch (...) {
+        for (const QString& file : batchFiles)
+            QFile::remove(file);
         setIsConverting(false);
         setErrorMessage(describe(std::current_exception()));
         setStatusMessage(failedStep);
@@ -146,13 +151,14 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         co_return;
     }
 
-    const BatchPlan plan = planBatch(clips_, settings_);
-    const int denominator = plan.progressDenominator();
+    const BatchPlan plan = planBatch(planned, settings);
+    const QList<double> shares = progressShares(planned, plan);
+    double done = 0;  // the finished steps' shares
     std::optional<RunFolder> partsFolder;
     if (plan.combine) {
-        RunFolder::sweepStale(outputFolder, partsFolderPrefix);
+        RunFolder::sweepStale(outputFolder, partsFolderPrefix());
         QString problem;
-        partsFolder = RunFolder::create(outputFolder, partsFolderPrefix, &problem);
+        partsFolder = RunFolder::create(outputFolder, partsFolderPrefix(), &problem);
         if (!partsFolder) {
             setIsConverting(false);
             setErrorMessage(problem);
@@ -162,17 +168,16 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         }
     }
     QStringList parts;
-    QStringList colourTables;  // removed when the batch ends
     double partsDuration = 0;  // as probed
     QStringList silentFirstTrack;  // clips whose sound is only in later tracks
     bool stopped = false;
 
     for (int position = 0; position < plan.clipCount; ++position) {
-        if (stop.stop_requested() || position >= clips_.size()) {
+        if (stop.stop_requested()) {
             stopped = true;
             break;
         }
-        const ClipItem clip = clips_[position];
+        const ClipItem& clip = planned[position];
         updateClip(clip.id, [](ClipItem& stored) {
             stored.status = ClipStatus::converting;
             stored.progress = 0;
@@ -185,9 +190,10 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
 
         // Named, not written inside the co_await: GCC 12 destroys a lambda
         // temporary of a co_await expression twice.
-        const FFmpegService::ProgressCallback onProgress = [self, position, denominator](double fraction) {
+        const FFmpegService::ProgressCallback onProgress = [self, id = clip.id, done,
+                                                            share = shares[position]](double fraction) {
             if (self)
-                self->applyProgress(position, fraction, denominator);
+                self->applyProgress(id, done, share, fraction);
         };
         const auto chooseName = [&clip, &outputFolder](const OutputNaming::PathTaken& taken) {
             return OutputNaming::uniqueOutputPath(clip.url.toLocalFile(), outputFolder, taken);
@@ -203,9 +209,9 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
                 output = claim->finalPath();
             }
             ClipConversion job = conversionFor(clip, plan, claim ? claim->temporaryPath() : output, lutPath,
-                                               watermark, settings_);
-            prepareColour(job, clip, &colourTables);
-            if (!settings_.removeAudio && clip.audioTrackCount() > 1) {
+                                               watermark, settings);
+            prepareColour(job, clip, look, &batchFiles);
+            if (!settings.removeAudio && clip.audioTrackCount() > 1) {
                 // Only a notice: a clip the check cannot read still converts.
                 std::exception_ptr unchecked;
                 try {
@@ -219,7 +225,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
             }
             co_await ffmpeg_.convertClip(job, onProgress, stop);
             const MediaInfo made =
-                co_await checkFinishedOutput(job.output, expectedClipOutput(clip, plan, settings_), stop);
+                co_await checkFinishedOutput(job.output, expectedClipOutput(clip, plan, settings), stop);
             partsDuration += made.duration;
             if (claim)
                 claim->commit();
@@ -253,18 +259,18 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         });
         if (plan.combine)
             parts << output;
-        setConversionFraction(double(position + 1) / denominator);
+        done += shares[position];
+        setConversionFraction(done);
     }
 
-    if (plan.combine && !stopped && parts.size() == clips_.size()) {
+    if (plan.combine && !stopped && parts.size() == plan.clipCount) {
         setStatusMessage(QStringLiteral("Combining clips") + QChar(0x2026));
         double sum = 0;
-        for (const ClipItem& clip : clips_)
+        for (const ClipItem& clip : planned)
             sum += exportDuration(clip);
-        const int clipCount = plan.clipCount;
-        const FFmpegService::ProgressCallback onJoinProgress = [self, clipCount](double fraction) {
+        const FFmpegService::ProgressCallback onJoinProgress = [self, done, share = shares.last()](double fraction) {
             if (self)
-                self->setConversionFraction((clipCount + fraction) / (clipCount + 1));
+                self->setConversionFraction(done + share * fraction);
         };
         const QDateTime startedAt = now_();
         const auto chooseName = [&outputFolder, &startedAt](const OutputNaming::PathTaken& taken) {
@@ -276,11 +282,11 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         try {
             claim = OutputClaim::claim(chooseName, workspace_);
             output = claim->finalPath();
-            co_await ffmpeg_.concatenate(parts, claim->temporaryPath(), sum, settings_,
+            co_await ffmpeg_.concatenate(parts, claim->temporaryPath(), sum, settings,
                                          plan.normalization.value_or(VideoNormalization{}), onJoinProgress,
                                          stop);
             co_await checkFinishedOutput(claim->temporaryPath(),
-                                         expectedJoinedOutput(plan, settings_, partsDuration), stop);
+                                         expectedJoinedOutput(plan, settings, partsDuration), stop);
             claim->commit();
         } catch (...) {
             failure = std::current_exception();
@@ -291,6 +297,8 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         QList<ClipItem> joined = clips_;
         if (!failure) {
             for (ClipItem& clip : joined) {
+                if (!inBatch(clip.id))
+                    continue;
                 clip.status = ClipStatus::done;
                 clip.progress = 1;
                 clip.outputURL = QUrl::fromLocalFile(output);
@@ -304,7 +312,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
             const QString description = describe(failure);
             setErrorMessage(description);
             for (ClipItem& clip : joined) {
-                if (clip.status == ClipStatus::failed)
+                if (clip.status == ClipStatus::failed || !inBatch(clip.id))
                     continue;
                 clip.status = ClipStatus::failed;
                 clip.errorMessage = description;
@@ -313,17 +321,27 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         }
     }
 
+    // Clips that did not end up in a finished file are ready again; none
+    // is left spinning.
+    QList<ClipItem> ended = clips_;
+    for (ClipItem& clip : ended) {
+        if (clip.status == ClipStatus::converting) {
+            clip.status = ClipStatus::ready;
+            clip.progress = 0;
+        }
+    }
+    setClips(std::move(ended));
     setIsConverting(false);
     partsFolder.reset();  // removes the parts
     QString status = finalStatus(stop.stop_requested(), stopped, plan.combine);
-    if (settings_.matchPreview && previewLacksLUT())
+    if (settings.matchPreview && look.previewLacksLUT)
         status += QStringLiteral(" The preview cannot show the LUT %1, so the filter chain graded the clips.")
-                      .arg(QFileInfo(lutURL_.toLocalFile()).fileName());
+                      .arg(lutName);
     if (!silentFirstTrack.isEmpty())
         status += QLatin1Char(' ') + silentFirstTrackNotice(silentFirstTrack);
     setStatusMessage(status);
-    for (const QString& table : colourTables)
-        QFile::remove(table);
+    for (const QString& file : batchFiles)
+        QFile::remove(file);
     finishTask();
 }
 
@@ -349,79 +367,6 @@ QCoro::Task<MediaInfo> AppModel::checkFinishedOutput(QString path, ExpectedOutpu
     if (const auto mismatch = outputMismatch(expected, probed))
         throw FFmpegError::conversionFailed(*mismatch);
     co_return probed;
-}
-
-std::optional<QString> AppModel::stagedLUTTarget(const QString& source) const
-{
-    return QDir(workspace_).filePath("active-lut." + QFileInfo(source).suffix().toLower());
-}
-
-std::optional<QString> AppModel::preparedLUTPath(const std::optional<QString>& source)
-{
-    const std::optional<QString> chosen =
-        source ? source : (lutURL_.isEmpty() ? std::nullopt : std::optional(lutURL_.toLocalFile()));
-    if (!chosen)
-        return std::nullopt;
-    if (stagedLUT_ && QFileInfo::exists(*stagedLUT_))
-        return stagedLUT_;
-    const QString target = *stagedLUTTarget(*chosen);
-    QFile::remove(target);
-    if (MediaType::extensionOf(*chosen) != "cube") {
-        // Other formats are ffmpeg's alone to read; the preview shows none.
-        if (!QFile::copy(*chosen, target))
-            return chosen;
-    } else {
-        // The table as the preview reads it, so both show the same colours.
-        const QByteArray text = cubeText(CubeLUT::load(*chosen));
-        QSaveFile file(target);
-        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit())
-            throw PlatformError(QStringLiteral("Could not write the LUT for the export: ") + file.errorString());
-    }
-    stagedLUT_ = target;
-    return target;
-}
-
-std::vector<PlannedCommand> AppModel::plannedCommands() const
-{
-    std::vector<PlannedCommand> commands;
-    // As startConversion does, the selected clip takes the sliders' values.
-    QList<ClipItem> clips = clips_;
-    if (const auto index = selectedIndex())
-        applyLiveGrade(clips[*index]);
-    const BatchPlan plan = planBatch(clips, settings_);
-    const QString folder = outputFolder_.toLocalFile();
-    // Staged files are shown in a stand-in for the run folder a real run
-    // would make (this instance's own is gone when it exits).
-    const QDir runFolder(QDir(workingFolder_).filePath(QStringLiteral("run-<instance>")));
-    std::optional<QString> lutPath;
-    if (!lutURL_.isEmpty())
-        lutPath = runFolder.filePath(QFileInfo(*stagedLUTTarget(lutURL_.toLocalFile())).fileName());
-    std::optional<WatermarkOverlay> watermark;
-    if (watermark_.isEnabled())
-        watermark = overlayFor(runFolder.filePath("active-watermark.png"));
-
-    // Names chosen earlier in the plan are taken, as their files would be.
-    QStringList claimed;
-    const OutputNaming::PathTaken taken = [&claimed](const QString& path) {
-        return claimed.contains(path) || OutputNaming::existsOnDisk(path);
-    };
-    const QString partsFolder = QDir(folder).filePath(partsFolderPrefix + "<batch>");
-    for (int position = 0; position < clips.size(); ++position) {
-        const ClipItem& clip = clips[position];
-        const QString output = plan.combine
-                                   ? QDir(partsFolder).filePath(partFileName(position))
-                                   : OutputNaming::uniqueOutputPath(clip.url.toLocalFile(), folder, taken);
-        claimed << output;
-        ClipConversion job = conversionFor(clip, plan, output, lutPath, watermark, settings_);
-        prepareColour(job, clip, nullptr);
-        commands.push_back({conversionArguments(job, ffmpeg_.encoder(settings_.codec)), output});
-    }
-    if (plan.combine) {
-        const QString output = OutputNaming::uniqueCombinedOutputPath(folder, now_(), taken);
-        const QString list = concatListPath(partsFolder);
-        commands.push_back({concatCopyArguments(list, output, settings_), output});
-    }
-    return commands;
 }
 
 }  // namespace tavrelune

@@ -47,6 +47,43 @@ double exportDuration(const ClipItem& clip)
     return clip.duration.value_or(0.0);
 }
 
+QList<double> progressShares(const QList<ClipItem>& clips, const BatchPlan& plan)
+{
+    double known = 0;
+    int knownCount = 0;
+    for (const ClipItem& clip : clips) {
+        if (const double length = exportDuration(clip); length > 0) {
+            known += length;
+            ++knownCount;
+        }
+    }
+    const double typicalLength = knownCount > 0 ? known / knownCount : 1.0;
+    QList<double> work;
+    for (const ClipItem& clip : clips) {
+        const double length = exportDuration(clip) > 0 ? exportDuration(clip) : typicalLength;
+        // A part is written at the batch's size and rate.
+        const double pixelRate =
+            plan.normalization
+                ? double(plan.normalization->width * plan.normalization->height) * plan.normalization->fps
+                : double(clip.width.value_or(1920) * clip.height.value_or(1080)) * clip.fps.value_or(30);
+        work << length * std::max(pixelRate, 1.0);
+    }
+    double total = 0;
+    for (const double each : work)
+        total += each;
+    if (plan.combine)
+        work << total / 20;
+    total += plan.combine ? total / 20 : 0;
+    for (double& each : work)
+        each = total > 0 ? each / total : 1.0 / double(work.size());
+    return work;
+}
+
+QString partsFolderPrefix()
+{
+    return QStringLiteral(".tavrelune-parts-");
+}
+
 QString partFileName(int position)
 {
     return QString::asprintf("%03d.mov", position);

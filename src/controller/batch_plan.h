@@ -31,6 +31,18 @@ BatchPlan planBatch(const QList<ClipItem>& clips, const EncodeSettings& settings
 // Length of a clip's export: its trimmed length, else its length, else 0.
 double exportDuration(const ClipItem& clip);
 
+// Each step's share of the batch's work, in order, summing to 1: one per
+// clip, as its export length times the pixels it writes per second (a clip
+// of unknown length counts as long as the average known one), then the
+// join of a combined batch (a copy, a twentieth of the clips' work). The
+// time left then follows seconds of video, not the number of clips.
+QList<double> progressShares(const QList<ClipItem>& clips, const BatchPlan& plan);
+
+// The parts of a combined batch lie beside its output, on the file system
+// that will hold the result, in a hidden folder of the batch's own: this
+// prefix and a unique ending.
+QString partsFolderPrefix();
+
 // File name of the part at `position` in the parts folder: 000.mov,
 // 001.mov, ... (QuickTime holds the parts' uncompressed audio; MP4 cannot).
 QString partFileName(int position);

@@ -57,27 +57,41 @@ QCoro::Task<void> AppModel::probePendingClips()
     QPointer<AppModel> self(this);
     const std::stop_token stop = lifetime_.get_token();
     ++runningProbePasses_;
-    const qsizetype count = clips_.size();
-    for (qsizetype position = 0; position < count; ++position) {
-        if (position >= clips_.size())
-            break;
-        const ClipItem clip = clips_[position];
-        if (clip.duration)
-            continue;
+    // By identity, never by position: the list may change under a probe.
+    // Each pass tries every unprobed clip once (a file repaired on disk is
+    // read by the next pass); a clip another pass is probing is left to it.
+    QSet<QUuid> tried;
+    const auto nextUnprobed = [this, &tried]() -> std::optional<ClipItem> {
+        for (const ClipItem& clip : clips_)
+            if (!clip.duration && !tried.contains(clip.id) && !probing_.contains(clip.id))
+                return clip;
+        return std::nullopt;
+    };
+    while (const std::optional<ClipItem> next = nextUnprobed()) {
+        const ClipItem clip = *next;
+        tried.insert(clip.id);
+        probing_.insert(clip.id);
         std::optional<MediaInfo> info;
         QString failure;
         try {
             info = co_await ffmpeg_.probe(clip.url.toLocalFile(), stop);
+        } catch (const FFmpegError& error) {
+            // One line of the tool's own reason, never its raw text.
+            failure = error.kind() == FFmpegError::Kind::missingBinary || error.kind() == FFmpegError::Kind::cancelled
+                          ? error.description()
+                          : oneLineReason(error.payload(), clip.url.toLocalFile());
         } catch (...) {
             failure = describe(std::current_exception());
         }
         if (!self)
             co_return;
+        probing_.remove(clip.id);
         updateClip(clip.id, [&](ClipItem& stored) {
             if (!info) {
-                stored.errorMessage = failure;
+                stored.readError = failure;
                 return;
             }
+            stored.readError.reset();
             stored.duration = info->duration;
             stored.width = info->width;
             stored.height = info->height;
@@ -93,13 +107,16 @@ QCoro::Task<void> AppModel::probePendingClips()
             stored.variableFrameRate = info->variableFrameRate;
             stored.clampTrimTo(info->duration);
         });
+        if (info && clip.id == selectedClipID_)
+            followShapeWithDefaultWatermark();
     }
     --runningProbePasses_;
 
     // A clip selected before its probe was loaded without its colour tags;
     // an HDR or BT.2020 clip needs them from its first frame.
     if (const auto clip = selectedClip();
-        clip && previews_ && deliveryConversionFor(clip->color) != deliveryConversionFor(previewColour_)) {
+        clip && previews_
+        && (clip->readError || deliveryConversionFor(clip->color) != deliveryConversionFor(previewColour_))) {
         loadSelectedPreview();
     } else if (clip && clip->duration) {
         clock_.setSeconds(clip->playheadInWindow());
@@ -143,6 +160,10 @@ void AppModel::refreshPreviewsAfterRemoval()
 
 void AppModel::removeClip(const QUuid& id)
 {
+    // A running batch keeps the list it planned; clips added meanwhile
+    // wait for the next one, and nothing leaves the list until it ends.
+    if (batchRunning_)
+        return;
     QList<ClipItem> remaining = clips_;
     remaining.removeIf([&id](const ClipItem& clip) { return clip.id == id; });
     setClips(std::move(remaining));
@@ -153,6 +174,8 @@ void AppModel::removeClip(const QUuid& id)
 
 void AppModel::removeSelected()
 {
+    if (batchRunning_)
+        return;
     commitLiveGrade();
     const auto position = selectedIndex();
     if (!position)
@@ -169,7 +192,7 @@ void AppModel::removeSelected()
 
 void AppModel::moveClips(const QList<int>& rows, int destination)
 {
-    if (isConverting_)
+    if (batchRunning_)
         return;
     const qsizetype count = clips_.size();
     QList<int> moving;

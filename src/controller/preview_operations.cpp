@@ -55,6 +55,16 @@ void AppModel::loadSelectedPreview()
     const bool autoplay = std::exchange(playAllAfterLoad_, false);
     if (!previews_)
         return;
+    if (clip->readError) {
+        // Nothing to show: the stage says why instead.
+        previewPlayer_->unload();
+        clock_.setIsPlayable(false);
+        setSourcePreview({});
+        setGradedPreview({});
+        if (autoplay && isPlayingAll_)
+            playNextInSequence();
+        return;
+    }
     previewTask_ = std::stop_source();
     previewColour_ = clip->color;
     runPreviewLoad(clip->id, clip->url, clip->color, autoplay);  // runs on; superseded through the selection check
@@ -140,6 +150,24 @@ QCoro::Task<void> AppModel::runFrameExtract(QUuid clipID, QUrl url, double durat
     Q_EMIT previewTaskEnded();
 }
 
+namespace {
+
+// The reason a still could not be made, in one line.
+QString stillFailure(std::exception_ptr failure, const QUrl& url)
+{
+    try {
+        std::rethrow_exception(failure);
+    } catch (const FFmpegError& error) {
+        if (error.kind() == FFmpegError::Kind::conversionFailed)
+            return oneLineReason(error.payload(), url.toLocalFile());
+        return error.description();
+    } catch (...) {
+        return describe(std::current_exception());
+    }
+}
+
+}  // namespace
+
 QCoro::Task<void> AppModel::extractSourceFrame(QUuid clipID, QUrl url, double duration, double fraction,
                                                bool force, std::stop_token stop)
 {
@@ -168,8 +196,9 @@ QCoro::Task<void> AppModel::extractSourceFrame(QUuid clipID, QUrl url, double du
             co_return;
         if (failure) {
             // The previous still stays; preview failures never raise an alert.
-            if (!stop.stop_requested() && !isCancellation(failure) && selectedClipID_ == clipID)
-                setStatusMessage(describe(failure));
+            if (!stop.stop_requested() && !isCancellation(failure) && selectedClipID_ == clipID
+                && !selectedClip()->readError)
+                setStatusMessage(QStringLiteral("This file can't be previewed: ") + stillFailure(failure, url));
             setIsPreviewing(false);
             co_return;
         }

@@ -27,16 +27,30 @@ void AppModel::setWatermark(const QUrl& url)
     stagedWatermark_.reset();
     Q_EMIT watermarkPreviewChanged();
 
+    placeWatermarkByDefault(url, 1.0);
+}
+
+void AppModel::placeWatermarkByDefault(const QUrl& url, double opacity)
+{
     const double imageAspect = watermarkImageAspect();
     const double videoAspect = previewVideoAspect();
     WatermarkSettings placed;
     placed.widthFraction = WatermarkSettings::defaultWidthFraction;
-    placed.opacity = 1.0;
-    placed.x = 0.78;
+    placed.opacity = opacity;
+    placed.x = 1 - placed.widthFraction - WatermarkSettings::defaultMargin;
     placed.y = std::max(0.0, 1 - placed.heightFraction(imageAspect, videoAspect) - WatermarkSettings::defaultMargin);
     placed = placed.clamped(imageAspect, videoAspect);
     placed.url = url;
     setWatermarkSettings(placed);
+    // Placed for the shape known now (16:9 before the clip is probed): the
+    // selected clip's shape, once known, places it again until it is moved.
+    watermarkAtDefault_ = true;
+}
+
+void AppModel::followShapeWithDefaultWatermark()
+{
+    if (watermarkAtDefault_ && watermark_.url)
+        placeWatermarkByDefault(*watermark_.url, watermark_.opacity);
 }
 
 void AppModel::chooseWatermark()
@@ -48,6 +62,7 @@ void AppModel::chooseWatermark()
 
 void AppModel::clearWatermark()
 {
+    watermarkAtDefault_ = false;
     setWatermarkSettings(WatermarkSettings());
     watermarkImage_.reset();
     stagedWatermark_.reset();
@@ -56,6 +71,7 @@ void AppModel::clearWatermark()
 
 void AppModel::resetWatermarkPlacement()
 {
+    watermarkAtDefault_ = false;
     if (!watermark_.url || !watermarkImage_)
         return;
     const double imageAspect = watermarkImageAspect();
@@ -81,6 +97,7 @@ void AppModel::updateWatermarkOpacity(double opacity)
 
 void AppModel::updateWatermarkSize(double widthFraction)
 {
+    watermarkAtDefault_ = false;
     WatermarkSettings changed = watermark_;
     changed.widthFraction = widthFraction;
     setWatermarkSettings(changed.clamped(watermarkImageAspect(), previewVideoAspect()));
@@ -88,6 +105,7 @@ void AppModel::updateWatermarkSize(double widthFraction)
 
 void AppModel::updateWatermarkLayout(double x, double y, std::optional<double> widthFraction)
 {
+    watermarkAtDefault_ = false;
     WatermarkSettings changed = watermark_;
     changed.x = x;
     changed.y = y;

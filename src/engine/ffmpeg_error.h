@@ -34,4 +34,10 @@ private:
 // True for a stop requested by the user, which is never reported as a failure.
 bool isCancellation(std::exception_ptr error);
 
+// A tool's complaint about the file at `path` as one line for people: the
+// last message, without the path before it, then the earlier ones in
+// brackets, each without ffmpeg's "[demuxer @ 0x…]" prefix ("Invalid data
+// found when processing input (moov atom not found)").
+QString oneLineReason(const QString& toolText, const QString& path);
+
 }  // namespace tavrelune

@@ -52,6 +52,9 @@ struct ClipItem {
     double progress = 0;
     std::optional<QString> errorMessage;
     std::optional<QUrl> outputURL;
+    // Why the file could not be read when it was probed, in one line; such
+    // a clip shows the reason in its row and on the stage, not a preview.
+    std::optional<QString> readError;
 
     bool operator==(const ClipItem&) const = default;
 

@@ -57,6 +57,8 @@ ClipRowDelegate::Lines ClipRowDelegate::linesFor(const ClipItem& clip, const QFo
     lines.progress = clip.status == ClipStatus::converting;
     if (clip.status == ClipStatus::failed && clip.errorMessage && !clip.errorMessage->isEmpty())
         lines.errorLines = wrappedError(*clip.errorMessage, lines.errorFont, std::max(40, width));
+    else if (clip.readError)
+        lines.errorLines = wrappedError(*clip.readError, lines.errorFont, std::max(40, width));
     return lines;
 }
 

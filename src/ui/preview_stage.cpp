@@ -117,6 +117,8 @@ QString PreviewStage::placeholderText() const
 {
     // With clips there is always a clip on its way to the screen; when its
     // still cannot be made, the status line says why.
+    if (const auto clip = model_.selectedClip(); clip && clip->readError)
+        return QStringLiteral("This file can't be previewed: ") + *clip->readError;
     if (model_.isPreviewing() || (!model_.clips().isEmpty() && model_.selectedClip()))
         return QStringLiteral("Loading preview\u2026");
     return QStringLiteral("Add clips to see a preview");

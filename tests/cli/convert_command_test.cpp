@@ -235,7 +235,7 @@ TEST(ConvertCommand, JobRunsExactlyAsItsDryRunSaysAlsoCombined)
         const QString command = argv.join(' ');
         EXPECT_TRUE(command.contains("-c:v libx264 ")) << "codec from the option";
         EXPECT_TRUE(command.contains("colorchannelmixer=aa=0.5000")) << "opacity from the option";
-        EXPECT_TRUE(command.contains("/Tavrelune/run-<instance>/active-lut.cube"));
+        EXPECT_TRUE(command.contains("/Tavrelune/run-<instance>/batch-active-lut.cube"));
         outputs << argv.last();
     }
     const QString out = sandbox.file("out");
@@ -320,7 +320,7 @@ TEST(ConvertCommand, BadInputIsStatusTwoWithOneLine)
         {{"look.cube", clip}, sandbox.file("look.cube") + ": The LUT data is incomplete."},
         {{clip, "voice.mp4"}, sandbox.file("voice.mp4") + ": unsupported input: no video stream"},
         {{"notes.mov", clip},
-         sandbox.file("notes.mov") + ": unsupported input: Invalid data found when processing input"},
+         sandbox.file("notes.mov") + ": unsupported input: Invalid data found when processing input (moov atom not found)"},
     };
     for (const Case& c : cases) {
         const CommandRun run = sandbox.run(c.arguments);

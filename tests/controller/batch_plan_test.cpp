@@ -137,3 +137,29 @@ TEST(OutputNaming, OverlongNamesAreShortenedByWholeCharactersToFit)
     EXPECT_EQ(bytes(second), 255);
     EXPECT_TRUE(second.endsWith(QString(242, 'a') + "_graded-2.mp4")) << second.toStdString();
 }
+
+// A 2 s clip, then a 30 s one, then one not yet probed: shares follow the
+// seconds (and pixels) to write, so the time left holds from the start.
+TEST(BatchPlan, ProgressSharesFollowTheWorkNotTheClipCount)
+{
+    ClipItem shortClip = probedClip(1920, 1080, 30);
+    shortClip.duration = 2;
+    ClipItem longClip = probedClip(1920, 1080, 30);
+    longClip.duration = 30;
+    ClipItem unknown = probedClip(1920, 1080, 30);
+    unknown.duration.reset();
+    const QList<double> shares = progressShares({shortClip, longClip, unknown}, planBatch({shortClip}, {}));
+    ASSERT_EQ(shares.size(), 3);
+    EXPECT_NEAR(shares[0], 2.0 / 48, 1e-12);
+    EXPECT_NEAR(shares[1], 30.0 / 48, 1e-12);
+    EXPECT_NEAR(shares[2], 16.0 / 48, 1e-12) << "as long as the average known clip";
+
+    ClipItem small = probedClip(960, 540, 30);
+    small.duration = 2;
+    EXPECT_NEAR(progressShares({small, shortClip}, planBatch({small}, {}))[0], 0.2, 1e-12) << "a quarter of the pixels";
+
+    EncodeSettings combine;
+    combine.concatenateClips = true;
+    const QList<double> joined = progressShares({small, shortClip}, planBatch({small, shortClip}, combine));
+    EXPECT_EQ(joined, (QList<double>{0.5 / 1.05, 0.5 / 1.05, 0.05 / 1.05})) << "parts share the batch's size";
+}

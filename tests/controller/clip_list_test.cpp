@@ -50,7 +50,7 @@ TEST_F(ControllerTest, UnreadableClipKeepsItsErrorAndIsProbedAgainLater)
     const QString broken = root.write("broken.mov", "not a movie");
     addAndProbe({broken});
     EXPECT_FALSE(clipAt(0).duration);
-    EXPECT_TRUE(clipAt(0).errorMessage.value_or("").contains("Invalid data"));
+    EXPECT_TRUE(clipAt(0).readError.value_or("").contains("Invalid data"));
     EXPECT_EQ(clipAt(0).status, ClipStatus::ready);
 
     // Repaired on disk: the next addition's pass probes it again.
@@ -58,6 +58,7 @@ TEST_F(ControllerTest, UnreadableClipKeepsItsErrorAndIsProbedAgainLater)
     makeClip(broken, {.seconds = 0.5});
     addAndProbe({});
     EXPECT_NEAR(clipAt(0).duration.value_or(0), 0.5, 0.1);
+    EXPECT_FALSE(clipAt(0).readError);
 }
 
 TEST_F(ControllerTest, ProbeClampsTrimPointsToTheRealDuration)

@@ -126,7 +126,7 @@ TEST_F(PreviewTest, ClipThatCannotPlayLiveShowsGradedStills)
     EXPECT_EQ(previewing.count(), 2) << "one extraction: on, then off";
 }
 
-TEST_F(PreviewTest, OnlyTheLastOfQuickSelectionsIsExtractedAndFailuresGoToTheStatusLine)
+TEST_F(PreviewTest, OnlyTheLastOfQuickSelectionsIsExtractedAndAnUnreadableClipShowsNone)
 {
     addAndProbe({stillClip("a.mp4"), stillClip("b.mp4", Qt::red), stillClip("c.mp4", Qt::blue),
                  root.write("broken.mp4", "not a movie")});
@@ -139,11 +139,13 @@ TEST_F(PreviewTest, OnlyTheLastOfQuickSelectionsIsExtractedAndFailuresGoToTheSta
     EXPECT_FALSE(QFileInfo::exists(stillFileOf(1)));
     EXPECT_TRUE(model->statusMessage().isEmpty());
 
-    // A still that ffmpeg cannot take: reported on the status line, never
-    // as an alert, and the previous still stays.
+    // A file that cannot be read: its reason stays with the clip (row and
+    // stage), no still is tried, the status line and alerts stay quiet.
     model->selectClip(clipAt(3).id);
-    ASSERT_TRUE(waitUntil([this] { return !model->statusMessage().isEmpty(); }));
+    spinEventLoop(100);
+    EXPECT_TRUE(clipAt(3).readError.has_value());
+    EXPECT_TRUE(model->statusMessage().isEmpty());
     EXPECT_TRUE(model->errorMessage().isEmpty());
-    EXPECT_GT(model->sourcePreview().pixelColor(5, 5).blue(), 200);
+    EXPECT_TRUE(model->sourcePreview().isNull());
     EXPECT_FALSE(model->isPreviewing());
 }
