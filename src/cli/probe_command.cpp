@@ -71,10 +71,16 @@ int runProbe(const QStringList& arguments)
     parser.setApplicationDescription("Print the facts of media files as JSON, one object per line.");
     parser.addHelpOption();
     parser.addPositionalArgument("FILE", "Media files to probe.", "FILE...");
-    parser.process(QStringList{"tavrelune probe"} + arguments);
+    const QStringList commandLine = QStringList{"tavrelune probe"} + arguments;
+    if (parser.parse(commandLine) && parser.isSet(QStringLiteral("help"))) {
+        QTextStream(stdout) << commandHelpText(parser, QStringLiteral("probe"));
+        return 0;
+    }
+    parser.process(commandLine);  // --help-all, and bad options (status 1)
     const QStringList files = parser.positionalArguments();
     if (files.isEmpty()) {
-        QTextStream(stderr) << "tavrelune probe: no FILE given\n" << parser.helpText();
+        QTextStream(stderr) << "tavrelune probe: no FILE given\n"
+                            << commandHelpText(parser, QStringLiteral("probe"));
         return 2;
     }
     InterruptWatcher interrupts;

@@ -52,7 +52,7 @@ int main(int argc, char** argv)
 {
     // Keeps files whose names are not UTF-8 reachable until the end.
     tavrelune::cli::ArgumentNames names;
-    if (argc > 1 && tavrelune::cli::isHeadlessInvocation({QString::fromLocal8Bit(argv[1])})) {
+    if (argc > 1 && tavrelune::cli::isHeadlessInvocation(names.decode(argv[1]))) {
         // Read before Qt takes out what it counts as its own options.
         const QStringList arguments = names.decode(argc, argv);
         // Preparing a watermark paints with QPainter and Qt SVG, which need a
