@@ -1,5 +1,6 @@
 #include "cli/commands.h"
 
+#include "engine/ffmpeg_service.h"
 #include "engine/tool_locator.h"
 #include "engine/tool_versions.h"
 #include "preview/mpv_version.h"
@@ -81,6 +82,16 @@ int runHeadless(const QStringList& arguments)
             return command.run(arguments.mid(1));
     QTextStream(stderr) << "tavrelune: unknown command '" << first << "'\n" << usage();
     return 2;
+}
+
+std::optional<QString> missingTool(const FFmpegService& service, const QStringList& tools)
+{
+    for (const QString& tool : tools) {
+        const QFileInfo program(service.binaryPath(tool));
+        if (!program.isFile() || !program.isExecutable())
+            return FFmpegError::missingBinary(tool).description();
+    }
+    return std::nullopt;
 }
 
 QString commandHelpText(const QCommandLineParser& parser, const QString& command)

@@ -9,7 +9,12 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <optional>
 #include <vector>
+
+namespace tavrelune {
+class FFmpegService;
+}
 
 namespace tavrelune::cli {
 
@@ -42,6 +47,11 @@ int runHeadless(const QStringList& arguments);
 // A command's help from its parser, the usage line naming the command
 // ("Usage: tavrelune grade [options] ...") instead of the program as typed.
 QString commandHelpText(const QCommandLineParser& parser, const QString& command);
+
+// Why the first of `tools` ("ffprobe", "ffmpeg") that `service` would run
+// cannot be run ("ffprobe was not found. Install FFmpeg ..."), or nothing
+// when each is an executable file.
+std::optional<QString> missingTool(const FFmpegService& service, const QStringList& tools);
 
 int runProbe(const QStringList& arguments);
 int runGrade(const QStringList& arguments);

@@ -234,6 +234,12 @@ QCoro::Task<int> convert(ConvertRequest request, bool dryRun, InterruptWatcher& 
     AppModel model(options);
     if (request.outputFolder)
         model.setOutputFolder(QUrl::fromLocalFile(*request.outputFolder));
+    // A dry run only shows ffmpeg's commands, but probes the clips as well.
+    const QStringList tools = dryRun ? QStringList{"ffprobe"} : QStringList{"ffprobe", "ffmpeg"};
+    if (const auto missing = missingTool(model.ffmpeg(), tools)) {
+        complain(*missing);
+        co_return 2;
+    }
     model.setSettings(request.settings.appliedTo(model.settings()));
     QList<QUrl> urls;
     for (const QString& file : request.files)

@@ -36,9 +36,8 @@ QJsonObject toJson(const QString& path, const MediaInfo& info)
     };
 }
 
-QCoro::Task<int> probeAll(QStringList paths, std::stop_token stop)
+QCoro::Task<int> probeAll(FFmpegService& service, QStringList paths, std::stop_token stop)
 {
-    FFmpegService service;
     QTextStream out(stdout);
     QTextStream err(stderr);
     int status = 0;
@@ -83,8 +82,14 @@ int runProbe(const QStringList& arguments)
                             << commandHelpText(parser, QStringLiteral("probe"));
         return 2;
     }
+    FFmpegService service;
+    // Named once, rather than as every file's failure.
+    if (const auto missing = missingTool(service, {QStringLiteral("ffprobe")})) {
+        QTextStream(stderr) << "tavrelune probe: " << *missing << "\n";
+        return 2;
+    }
     InterruptWatcher interrupts;
-    const int status = waitForTask(probeAll(files, interrupts.stopSource().get_token()));
+    const int status = waitForTask(probeAll(service, files, interrupts.stopSource().get_token()));
     return interrupts.interrupted() ? interrupts.exitStatus() : status;
 }
 
