@@ -85,6 +85,22 @@ std::optional<QString> unsupportedInput(const ClipItem& clip)
     return std::nullopt;
 }
 
+// Why the batch could not write to `folder`: a file stands at it, or at one
+// of the folders it would be made in.
+std::optional<QString> outputFolderProblem(const QString& folder)
+{
+    if (folder.isEmpty())
+        return std::nullopt;  // reported once the clips are known
+    QFileInfo existing(folder);
+    while (!existing.exists() && !existing.isRoot())
+        existing = QFileInfo(existing.absolutePath());
+    if (!existing.exists() || existing.isDir())
+        return std::nullopt;
+    if (existing.absoluteFilePath() == QFileInfo(folder).absoluteFilePath())
+        return folder + ": not a folder";
+    return folder + ": " + existing.absoluteFilePath() + " is not a folder";
+}
+
 // Grade and trim onto the probed clips (the trim is limited by the probed
 // duration).
 void applyClipEdits(AppModel& model, const QList<JobClip>& edits)
@@ -234,6 +250,10 @@ QCoro::Task<int> convert(ConvertRequest request, bool dryRun, InterruptWatcher& 
     AppModel model(options);
     if (request.outputFolder)
         model.setOutputFolder(QUrl::fromLocalFile(*request.outputFolder));
+    if (const auto problem = outputFolderProblem(model.outputFolder().toLocalFile())) {
+        complain(*problem);
+        co_return 2;
+    }
     // A dry run only shows ffmpeg's commands, but probes the clips as well.
     const QStringList tools = dryRun ? QStringList{"ffprobe"} : QStringList{"ffprobe", "ffmpeg"};
     if (const auto missing = missingTool(model.ffmpeg(), tools)) {

@@ -7,6 +7,30 @@
 
 using namespace tavrelune::test;
 
+// A file where the output folder would be, or where one of the folders
+// above it would be made, is found before the batch rather than by every
+// clip.
+TEST(ConvertCommandRefusals, AnOutputFolderThatIsAFile)
+{
+    Sandbox sandbox;
+    sandbox.clip("a.mov", {.seconds = 0.3, .audio = false});
+    const QString taken = sandbox.folder.write("taken", "x");
+    const QString job = sandbox.folder.write("job.json", R"({ "outputFolder": "taken/sub" })");
+    const struct {
+        QStringList arguments;
+        QString message;
+    } cases[] = {
+        {{"-o", taken, "a.mov"}, taken + ": not a folder"},
+        {{"--job", job, "a.mov"}, taken + "/sub: " + taken + " is not a folder"},
+    };
+    for (const auto& c : cases) {
+        const CommandRun run = sandbox.run(c.arguments);
+        EXPECT_EQ(run.exitCode, 2) << c.arguments.join(' ').toStdString();
+        EXPECT_EQ(run.errLines, QStringList{"tavrelune convert: " + c.message});
+    }
+    EXPECT_TRUE(sandbox.loggedConversions().isEmpty());
+}
+
 // A missing ffprobe is the tool's fault, named once, not each input's.
 TEST(ConvertCommandRefusals, AMissingFfprobeIsNamedOnce)
 {
