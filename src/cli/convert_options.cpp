@@ -49,9 +49,12 @@ QString convertHelpText()
         "  --saturation S            Saturation factor, 0 to 2, for every clip (default 1)\n"
         "  --temperature T           White-balance shift, -100 to 100, for every clip\n"
         "                            (default 0)\n"
-        "  --watermark-x X           Watermark left edge, fraction of the frame width\n"
-        "  --watermark-y Y           Watermark top edge, fraction of the frame height\n"
-        "  --watermark-width W       Watermark width, fraction of the frame width\n"
+        "  --watermark-x X           Watermark left edge, fraction of the frame width,\n"
+        "                            0 to 1\n"
+        "  --watermark-y Y           Watermark top edge, fraction of the frame height,\n"
+        "                            0 to 1\n"
+        "  --watermark-width W       Watermark width, fraction of the frame width,\n"
+        "                            0.05 to 0.8\n"
         "  --watermark-opacity A     Watermark opacity, 0.05 to 1\n"
         "  --job FILE                JSON job file with settings and per-clip grade and\n"
         "                            trim; the options above override it\n"
@@ -86,10 +89,10 @@ ConvertOptions parseConvertOptions(const QStringList& arguments)
         {QCommandLineOption("contrast", "", "C"), &options.grade.contrast, contrastRange},
         {QCommandLineOption("saturation", "", "S"), &options.grade.saturation, saturationRange},
         {QCommandLineOption("temperature", "", "T"), &options.grade.temperature, temperatureRange},
-        {QCommandLineOption("watermark-x", "", "X"), &options.watermark.x},
-        {QCommandLineOption("watermark-y", "", "Y"), &options.watermark.y},
-        {QCommandLineOption("watermark-width", "", "W"), &options.watermark.widthFraction},
-        {QCommandLineOption("watermark-opacity", "", "A"), &options.watermark.opacity},
+        {QCommandLineOption("watermark-x", "", "X"), &options.watermark.x, watermarkPositionRange},
+        {QCommandLineOption("watermark-y", "", "Y"), &options.watermark.y, watermarkPositionRange},
+        {QCommandLineOption("watermark-width", "", "W"), &options.watermark.widthFraction, watermarkWidthRange},
+        {QCommandLineOption("watermark-opacity", "", "A"), &options.watermark.opacity, watermarkOpacityRange},
     };
     parser.addOptions({help, output, codec, quality, removeAudio, combine, matchPreview, filterChain, job, dryRun});
     for (const auto& number : numbers)

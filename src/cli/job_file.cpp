@@ -199,8 +199,9 @@ SettingsChoice readSettings(const Section& section)
 
 WatermarkChoice readWatermark(const Section& section, const QString& base)
 {
-    return {section.path("url", base, MediaType::isWatermark, "a PNG or SVG file"), section.number("x"),
-            section.number("y"), section.number("widthFraction"), section.number("opacity")};
+    return {section.path("url", base, MediaType::isWatermark, "a PNG or SVG file"),
+            section.number("x", watermarkPositionRange), section.number("y", watermarkPositionRange),
+            section.number("widthFraction", watermarkWidthRange), section.number("opacity", watermarkOpacityRange)};
 }
 
 JobClip readClip(const Section& section, const QString& base)

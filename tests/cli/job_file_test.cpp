@@ -94,31 +94,49 @@ TEST(ConvertOptions, CommandLineWinsOverTheJob)
     EXPECT_EQ(request.clipEdits[2].grade, (GradeChoice{-0.5, {}, {}, {}}));
 }
 
-TEST(GradeRanges, OptionsAndJobKeysOutsideTheSlidersAreRefusedByName)
+TEST(NumberRanges, OptionsAndJobKeysOutsideTheWindowsLimitsAreRefusedByName)
 {
     const struct {
-        const char* name;
-        const char* value;  // as QString::number writes it back
-        const char* range;  // empty: accepted
+        const char* option;  // without "--"
+        const char* key;     // the job file's key ("clips[0]." or "watermark." before it)
+        const char* value;   // as QString::number writes it back
+        const char* range;   // empty: accepted
     } cases[] = {
-        {"exposure", "-3", ""},         {"exposure", "3.01", "-3 to 3"},  {"exposure", "-1e+308", "-3 to 3"},
-        {"contrast", "0.49", "0.5 to 2"}, {"contrast", "2", ""},          {"saturation", "-0.01", "0 to 2"},
-        {"saturation", "0", ""},        {"temperature", "100", ""},       {"temperature", "-100.5", "-100 to 100"},
+        {"exposure", "exposure", "-3", ""},
+        {"exposure", "exposure", "3.01", "-3 to 3"},
+        {"exposure", "exposure", "-1e+308", "-3 to 3"},
+        {"contrast", "contrast", "0.49", "0.5 to 2"},
+        {"contrast", "contrast", "2", ""},
+        {"saturation", "saturation", "-0.01", "0 to 2"},
+        {"saturation", "saturation", "0", ""},
+        {"temperature", "temperature", "100", ""},
+        {"temperature", "temperature", "-100.5", "-100 to 100"},
+        {"watermark-opacity", "opacity", "7", "0.05 to 1"},
+        {"watermark-opacity", "opacity", "-1", "0.05 to 1"},
+        {"watermark-opacity", "opacity", "0.05", ""},
+        {"watermark-width", "widthFraction", "0.9", "0.05 to 0.8"},
+        {"watermark-width", "widthFraction", "0.8", ""},
+        {"watermark-x", "x", "1.5", "0 to 1"},
+        {"watermark-x", "x", "0", ""},
+        {"watermark-y", "y", "-0.1", "0 to 1"},
+        {"watermark-y", "y", "1", ""},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.name) + " " + c.value);
+        SCOPED_TRACE(std::string(c.option) + " " + c.value);
         const QString outside = QString("%1 is outside %2").arg(c.value, c.range);
         QString optionMessage = "(accepted)";
         try {
-            parseConvertOptions({QString("--") + c.name, c.value});
+            parseConvertOptions({QString("--") + c.option, c.value});
         } catch (const UsageError& error) {
             optionMessage = error.message;
         }
-        const QString jobMessage =
-            messageFor(QString(R"({"clips": [{"url": "a.mov", "%1": %2}]})").arg(c.name, c.value).toUtf8());
+        const bool watermark = QString(c.option).startsWith("watermark-");
+        const QString key = (watermark ? "watermark." : "clips[0].") + QString(c.key);
+        const QString job = watermark ? R"({"watermark": {"%1": %2}})" : R"({"clips": [{"url": "a.mov", "%1": %2}]})";
+        const QString jobMessage = messageFor(job.arg(c.key, c.value).toUtf8());
         if (*c.range) {
-            EXPECT_EQ(optionMessage, QString("--") + c.name + ": " + outside);
-            EXPECT_EQ(jobMessage, QString("clips[0].") + c.name + ": " + outside);
+            EXPECT_EQ(optionMessage, QString("--") + c.option + ": " + outside);
+            EXPECT_EQ(jobMessage, key + ": " + outside);
         } else {
             EXPECT_EQ(optionMessage, "(accepted)");
             EXPECT_EQ(jobMessage, "(accepted)");
