@@ -57,7 +57,7 @@ QString convertHelpText()
         "                            0.05 to 0.8\n"
         "  --watermark-opacity A     Watermark opacity, 0.05 to 1\n"
         "  --job FILE                JSON job file with settings and per-clip grade and\n"
-        "                            trim; the options above override it\n"
+        "                            trim; the options above override it (give it once)\n"
         "  --dry-run                 Print the ffmpeg commands instead of running them:\n"
         "                            one JSON array per line (program first), each\n"
         "                            followed by a line '# output: PATH'\n"
@@ -129,6 +129,8 @@ ConvertOptions parseConvertOptions(const QStringList& arguments)
             throw UsageError{QStringLiteral("--output: the folder name is empty")};
         options.outputFolder = absolute(parser.value(output));
     }
+    if (parser.values(job).size() > 1)
+        throw UsageError{QStringLiteral("--job: given %1 times; one job file per run").arg(parser.values(job).size())};
     if (parser.isSet(job))
         options.jobPath = parser.value(job);
     options.dryRun = parser.isSet(dryRun);

@@ -46,6 +46,9 @@ TEST(JobFile, ReadsEveryKeyAndResolvesPathsAgainstTheJobFolder)
     EXPECT_EQ(job.clips[1], (JobClip{"/jobs/today/card/A002.mov", {}, std::nullopt, std::nullopt}));
     EXPECT_EQ(parseConvertJob("{}", "/jobs"), ConvertJob{}) << "absent keys stay unset";
     EXPECT_EQ(parseConvertJob(R"({"settings": {"matchPreview": true}})", "/jobs").settings.matchPreview, true);
+    EXPECT_EQ(parseConvertJob(R"({"outputFolder": "a\", \"lut\": \"b", "lut": "c.cube"})", "/jobs").lut,
+              "/jobs/c.cube")
+        << "a key inside a string is no key";
 }
 
 TEST(JobFile, EachMistakeNamesItsKey)
@@ -69,6 +72,10 @@ TEST(JobFile, EachMistakeNamesItsKey)
         {R"("outPoint": 9.0)", R"("outPoint": 2.5)", "clips[0].outPoint: must be after inPoint"},
         {"card/A002.mov", "card/../card/A001.mov", "clips[1].url: repeats clips[0]"},
         {R"("clips": [)", R"("clips": [ ,)", "not valid JSON (illegal value at offset 309)"},
+        // Qt's parser keeps the last of repeated keys; each object has its own.
+        {R"("codec": "hevc")", R"("codec": "hevc", "\u0063odec": "h264")", "settings.codec: given twice"},
+        {R"({ "url": "card/A002.mov" })", R"({ "url": "card/A002.mov", "url": "x.mov" })", "clips[1].url: given twice"},
+        {R"("outputFolder")", R"("clips": [], "outputFolder")", "clips: given twice"},
     };
     for (const Case& c : cases) {
         QByteArray json = goodJob;
@@ -92,6 +99,16 @@ TEST(ConvertOptions, CommandLineWinsOverTheJob)
     ASSERT_EQ(request.clipEdits.size(), 3);
     EXPECT_EQ(request.clipEdits[0].grade, (GradeChoice{-0.5, 1.1, 1.0, 12}));
     EXPECT_EQ(request.clipEdits[2].grade, (GradeChoice{-0.5, {}, {}, {}}));
+}
+
+TEST(ConvertOptions, OneJobFileAtMost)
+{
+    try {
+        parseConvertOptions({"--job", "a.json", "--job", "b.json"});
+        FAIL() << "accepted";
+    } catch (const UsageError& error) {
+        EXPECT_EQ(error.message, "--job: given 2 times; one job file per run");
+    }
 }
 
 TEST(NumberRanges, OptionsAndJobKeysOutsideTheWindowsLimitsAreRefusedByName)
