@@ -9,6 +9,7 @@
 #include "cli/standard_output.h"
 #include "controller/app_model.h"
 #include "engine/blocking_wait.h"
+#include "engine/next_signal.h"
 #include "grading/cube_lut.h"
 #include "grading/lut_parse_error.h"
 #include "model/media_type.h"
@@ -83,6 +84,13 @@ std::optional<QString> unsupportedInput(const ClipItem& clip)
     if (clip.width.value_or(0) <= 0 || clip.height.value_or(0) <= 0)
         return path + ": unsupported input: no video stream";
     return std::nullopt;
+}
+
+// Whether every clip has been probed, successfully or not.
+bool allProbed(const AppModel& model)
+{
+    return std::all_of(model.clips().begin(), model.clips().end(),
+                       [](const ClipItem& clip) { return clip.duration || clip.errorMessage; });
 }
 
 // Why the batch could not write to `folder`: a file stands at it, or at one
@@ -270,9 +278,13 @@ QCoro::Task<int> convert(ConvertRequest request, bool dryRun, InterruptWatcher& 
         co_return 2;
     }
 
-    co_await model.probesFinished();
+    // An interrupt does not wait for the remaining probes: the controller's
+    // end stops the running ffprobe.
+    while (!allProbed(model) && !interrupts.interrupted())
+        co_await firstSignal(&model, &AppModel::probePassEnded, &interrupts, &InterruptWatcher::interruptReceived);
     if (interrupts.interrupted())
         co_return interrupts.exitStatus();
+    co_await model.probesFinished();
     for (const ClipItem& clip : model.clips()) {
         if (const auto problem = unsupportedInput(clip)) {
             complain(*problem);
