@@ -141,6 +141,11 @@ void placeWatermark(AppModel& model, const WatermarkChoice& choice)
         model.updateWatermarkOpacity(*choice.opacity);
 }
 
+void complainOfOutput(int error)
+{
+    complain(QStringLiteral("could not write to standard output: ") + QString::fromLocal8Bit(std::strerror(error)));
+}
+
 // Writes `text` to standard output. A reader that went away counts as a
 // SIGPIPE (exit 141); any other failure is reported, with exit status 1.
 int print(const QString& text, InterruptWatcher& interrupts)
@@ -152,7 +157,7 @@ int print(const QString& text, InterruptWatcher& interrupts)
         interrupts.noteBrokenPipe();
         return interrupts.exitStatus();
     }
-    complain(QStringLiteral("could not write to standard output: ") + QString::fromLocal8Bit(std::strerror(error)));
+    complainOfOutput(error);
     return 1;
 }
 
@@ -193,18 +198,57 @@ ProgressState progressOf(const AppModel& model, double elapsed)
             TimeFormatting::timeLeft(elapsed, overall)};
 }
 
-QStringList writtenFiles(const AppModel& model)
-{
-    QStringList files;
-    for (const ClipItem& clip : model.clips())
-        if (clip.status == ClipStatus::done && clip.outputURL && !files.contains(clip.outputURL->toLocalFile()))
-            files << clip.outputURL->toLocalFile();
-    return files;
-}
+// Lists each written file on standard output as soon as it is in place, so
+// a reader sees the first file while the batch goes on. A failed write
+// stops the batch: a reader that went away counts as SIGPIPE, any other
+// failure is kept for the end (status 1).
+class WrittenFileList {
+public:
+    WrittenFileList(AppModel& model, InterruptWatcher& interrupts) : model_(model), interrupts_(interrupts) {}
+
+    // Prints the files the clips record as done that are not listed yet.
+    void update()
+    {
+        if (error_)
+            return;
+        for (const ClipItem& clip : model_.clips()) {
+            if (clip.status != ClipStatus::done || !clip.outputURL)
+                continue;
+            const QString file = clip.outputURL->toLocalFile();
+            if (listed_.contains(file))
+                continue;  // every clip of a combined batch names the one file
+            listed_ << file;
+            error_ = writeStandardOutput((printablePath(file) + "\n").toUtf8());
+            if (error_ == 0)
+                continue;
+            if (error_ == EPIPE)
+                interrupts_.noteBrokenPipe();  // stops the batch like SIGPIPE
+            else
+                model_.cancelConversion();
+            return;
+        }
+    }
+
+    // The final complaint and status for a write that failed, or 0.
+    int reportFailure() const
+    {
+        if (error_ == 0 || error_ == EPIPE)
+            return 0;
+        complainOfOutput(error_);
+        return 1;
+    }
+
+private:
+    AppModel& model_;
+    InterruptWatcher& interrupts_;
+    QStringList listed_;
+    int error_ = 0;
+};
 
 QCoro::Task<int> runBatch(AppModel& model, InterruptWatcher& interrupts)
 {
     ProgressPrinter printer = ProgressPrinter::forStandardError();
+    WrittenFileList written(model, interrupts);
     QElapsedTimer clock;
     {
         QObject listening;  // its end disconnects everything below
@@ -231,16 +275,14 @@ QCoro::Task<int> runBatch(AppModel& model, InterruptWatcher& interrupts)
         });
         QObject::connect(&interrupts, &InterruptWatcher::interruptReceived, &listening,
                          [&model] { model.cancelConversion(); });
+        QObject::connect(&model, &AppModel::clipsChanged, &listening, [&written] { written.update(); });
 
         clock.start();
         model.startConversion();
         co_await model.conversionFinished();
     }
     printer.message(model.statusMessage());
-    QString list;
-    for (const QString& file : writtenFiles(model))
-        list += printablePath(file) + "\n";
-    const int printed = print(list, interrupts);
+    const int printed = written.reportFailure();
 
     if (interrupts.interrupted())
         co_return interrupts.exitStatus();

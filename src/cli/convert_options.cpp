@@ -63,8 +63,8 @@ QString convertHelpText()
         "                            followed by a line '# output: PATH'\n"
         "  -h, --help                Show this help\n"
         "\n"
-        "Progress goes to standard error, the batch's final status last. The files\n"
-        "written are listed on standard output.\n"
+        "Progress goes to standard error, the batch's final status last. Each file\n"
+        "written is listed on standard output as soon as it is in place.\n"
         "\n"
         "Exit status: 0 every clip converted; 1 a clip or the joining failed;\n"
         "2 bad usage, job file or input file (nothing converted); 130 interrupted.\n");

@@ -1,5 +1,6 @@
-// `tavrelune convert` stopping early: Ctrl-C while the clips are still
-// being probed.
+// `tavrelune convert` stopping early, and the standard streams it is given:
+// a reader of the list of files that goes away, Ctrl-C while the clips are
+// still being probed, and streams closed before it starts.
 #include "convert_sandbox.h"
 #include "qt_printers.h"
 #include "support/task_helpers.h"
@@ -29,6 +30,31 @@ bool appears(const QString& path)
 
 }  // namespace
 
+// `convert ... | head -n 1`: the first file is listed as soon as it is
+// written; the reader then leaves, and the next line written stops the
+// batch there instead of at its end.
+TEST(ConvertCommandStops, AReaderLeavingAfterTheFirstFileStopsTheBatch)
+{
+    Sandbox sandbox;
+    for (const char* name : {"a.mov", "wait.mov", "c.mov"})
+        sandbox.clip(name, {.seconds = 0.3, .audio = false});
+    // wait.mov converts only once the reader has gone (log/go).
+    QProcess pipeline;
+    sandbox.start(pipeline, "/bin/bash",
+                  {"-c",
+                   R"sh("$0" convert --codec h264 -o out a.mov wait.mov c.mov |
+                        { head -n 1 > first; exec 0<&-; touch log/go; }
+                        echo "${PIPESTATUS[0]}" > status)sh",
+                   TAVRELUNE_BINARY});
+    const CommandRun run = Sandbox::finish(pipeline);
+    ASSERT_EQ(run.exitCode, 0) << run.errLines.join('\n').toStdString();
+    EXPECT_EQ(contents(sandbox.file("status")), "141");
+    EXPECT_EQ(contents(sandbox.file("first")), sandbox.file("out/a_graded.mp4"));
+    EXPECT_EQ(run.lastErrLine(), "Conversion stopped.");
+    EXPECT_EQ(sandbox.loggedConversions().size(), 2) << "c.mov is not attempted";
+    EXPECT_EQ(entries(sandbox.file("out")), QStringList({"a_graded.mp4", "wait_graded.mp4"}));
+}
+
 // Probing many files can take long; Ctrl-C ends it at once, with the
 // ffprobe that was running.
 TEST(ConvertCommandStops, CtrlCWhileProbingEndsTheCommandAndItsFfprobe)
@@ -49,4 +75,18 @@ TEST(ConvertCommandStops, CtrlCWhileProbingEndsTheCommandAndItsFfprobe)
     EXPECT_EQ(run.exitCode, 130) << run.errLines.join('\n').toStdString();
     EXPECT_FALSE(processExists(probePid)) << "ffprobe outlived the command";
     EXPECT_FALSE(QFile::exists(sandbox.file("out")));
+}
+
+// Started with its standard streams closed, the command writes the list of
+// files nowhere, not into whatever it opened first.
+TEST(ConvertCommandStops, ClosedStandardStreamsDoNotDisturbTheBatch)
+{
+    Sandbox sandbox;
+    sandbox.clip("a.mov", {.seconds = 0.3, .audio = false});
+    QProcess process;
+    sandbox.start(process, "/bin/sh",
+                  {"-c", R"sh(exec "$0" convert --codec h264 -o out a.mov <&- >&- 2>&-)sh", TAVRELUNE_BINARY});
+    const CommandRun run = Sandbox::finish(process);
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(entries(sandbox.file("out")), QStringList{"a_graded.mp4"});
 }
