@@ -1,10 +1,12 @@
 #include "cli/commands.h"
 
+#include "engine/ffmpeg_service.h"
 #include "engine/tool_locator.h"
 #include "engine/tool_versions.h"
 #include "preview/mpv_version.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QTextStream>
 #include <cstdio>
 
@@ -50,17 +52,17 @@ QString versionText(const QString& ffmpeg)
              libmpvVersion());
 }
 
-bool isHeadlessInvocation(const QStringList& arguments)
+bool isHeadlessInvocation(const QString& firstArgument)
 {
-    if (arguments.isEmpty())
-        return false;
-    const QString& first = arguments.first();
-    if (first == "-h" || first == "--help" || first == "-v" || first == "--version")
+    if (firstArgument == "-h" || firstArgument == "--help" || firstArgument == "-v" || firstArgument == "--version")
         return true;
     for (const Command& command : commands())
-        if (command.name == first)
+        if (command.name == firstArgument)
             return true;
-    return false;
+    // Qt's own options (-platform, -style, ...) and files go to the window.
+    if (firstArgument.startsWith('-') || firstArgument.startsWith(QLatin1String("file:")))
+        return false;
+    return !QFileInfo::exists(firstArgument);
 }
 
 int runHeadless(const QStringList& arguments)
@@ -80,6 +82,26 @@ int runHeadless(const QStringList& arguments)
             return command.run(arguments.mid(1));
     QTextStream(stderr) << "tavrelune: unknown command '" << first << "'\n" << usage();
     return 2;
+}
+
+std::optional<QString> missingTool(const FFmpegService& service, const QStringList& tools)
+{
+    for (const QString& tool : tools) {
+        const QFileInfo program(service.binaryPath(tool));
+        if (!program.isFile() || !program.isExecutable())
+            return FFmpegError::missingBinary(tool).description();
+    }
+    return std::nullopt;
+}
+
+QString commandHelpText(const QCommandLineParser& parser, const QString& command)
+{
+    // Qt names the program as it was typed (build/tavrelune, a full path).
+    QString text = parser.helpText();
+    const QString typed = QStringLiteral("Usage: ") + QCoreApplication::arguments().value(0);
+    if (text.startsWith(typed))
+        text.replace(0, typed.size(), QStringLiteral("Usage: tavrelune ") + command);
+    return text;
 }
 
 }  // namespace tavrelune::cli

@@ -5,10 +5,16 @@
 // standard output and errors on standard error, and return the exit status.
 #pragma once
 
+#include <QCommandLineParser>
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <optional>
 #include <vector>
+
+namespace tavrelune {
+class FFmpegService;
+}
 
 namespace tavrelune::cli {
 
@@ -22,9 +28,12 @@ struct Command {
 // Every subcommand, in the order `--help` lists them.
 const std::vector<Command>& commands();
 
-// True when the arguments (without the program name) ask for a headless
-// run: a subcommand, --help or --version.
-bool isHeadlessInvocation(const QStringList& arguments);
+// True when the first argument (after the program name) asks for a headless
+// run: a subcommand, --help or --version, or a word that is neither an
+// option, a file: URL nor an existing file (a mistyped command, which
+// runHeadless answers with the list of commands). Anything else opens the
+// window.
+bool isHeadlessInvocation(const QString& firstArgument);
 
 // "tavrelune 0.1.0", then the version and path of the ffmpeg at `ffmpeg`
 // (the one exports run) and the libmpv version, one per line: what
@@ -34,6 +43,15 @@ QString versionText(const QString& ffmpeg);
 // Runs the subcommand named by the first argument; the application object
 // must exist.
 int runHeadless(const QStringList& arguments);
+
+// A command's help from its parser, the usage line naming the command
+// ("Usage: tavrelune grade [options] ...") instead of the program as typed.
+QString commandHelpText(const QCommandLineParser& parser, const QString& command);
+
+// Why the first of `tools` ("ffprobe", "ffmpeg") that `service` would run
+// cannot be run ("ffprobe was not found. Install FFmpeg ..."), or nothing
+// when each is an executable file.
+std::optional<QString> missingTool(const FFmpegService& service, const QStringList& tools);
 
 int runProbe(const QStringList& arguments);
 int runGrade(const QStringList& arguments);

@@ -9,6 +9,7 @@
 #include "cli/standard_output.h"
 #include "controller/app_model.h"
 #include "engine/blocking_wait.h"
+#include "engine/next_signal.h"
 #include "grading/cube_lut.h"
 #include "grading/lut_parse_error.h"
 #include "model/media_type.h"
@@ -79,6 +80,29 @@ std::optional<QString> unsupportedInput(const ClipItem& clip)
     return std::nullopt;
 }
 
+// Whether every clip has been probed, successfully or not.
+bool allProbed(const AppModel& model)
+{
+    return std::all_of(model.clips().begin(), model.clips().end(),
+                       [](const ClipItem& clip) { return clip.duration || clip.errorMessage; });
+}
+
+// Why the batch could not write to `folder`: a file stands at it, or at one
+// of the folders it would be made in.
+std::optional<QString> outputFolderProblem(const QString& folder)
+{
+    if (folder.isEmpty())
+        return std::nullopt;  // reported once the clips are known
+    QFileInfo existing(folder);
+    while (!existing.exists() && !existing.isRoot())
+        existing = QFileInfo(existing.absolutePath());
+    if (!existing.exists() || existing.isDir())
+        return std::nullopt;
+    if (existing.absoluteFilePath() == QFileInfo(folder).absoluteFilePath())
+        return folder + ": not a folder";
+    return folder + ": " + existing.absoluteFilePath() + " is not a folder";
+}
+
 // Grade and trim onto the probed clips (the trim is limited by the probed
 // duration).
 void applyClipEdits(AppModel& model, const QList<JobClip>& edits)
@@ -111,6 +135,11 @@ void placeWatermark(AppModel& model, const WatermarkChoice& choice)
         model.updateWatermarkOpacity(*choice.opacity);
 }
 
+void complainOfOutput(int error)
+{
+    complain(QStringLiteral("could not write to standard output: ") + QString::fromLocal8Bit(std::strerror(error)));
+}
+
 // Writes `text` to standard output. A reader that went away counts as a
 // SIGPIPE (exit 141); any other failure is reported, with exit status 1.
 int print(const QString& text, InterruptWatcher& interrupts)
@@ -122,7 +151,7 @@ int print(const QString& text, InterruptWatcher& interrupts)
         interrupts.noteBrokenPipe();
         return interrupts.exitStatus();
     }
-    complain(QStringLiteral("could not write to standard output: ") + QString::fromLocal8Bit(std::strerror(error)));
+    complainOfOutput(error);
     return 1;
 }
 
@@ -163,18 +192,57 @@ ProgressState progressOf(const AppModel& model, double elapsed)
             TimeFormatting::timeLeft(elapsed, overall)};
 }
 
-QStringList writtenFiles(const AppModel& model)
-{
-    QStringList files;
-    for (const ClipItem& clip : model.clips())
-        if (clip.status == ClipStatus::done && clip.outputURL && !files.contains(clip.outputURL->toLocalFile()))
-            files << clip.outputURL->toLocalFile();
-    return files;
-}
+// Lists each written file on standard output as soon as it is in place, so
+// a reader sees the first file while the batch goes on. A failed write
+// stops the batch: a reader that went away counts as SIGPIPE, any other
+// failure is kept for the end (status 1).
+class WrittenFileList {
+public:
+    WrittenFileList(AppModel& model, InterruptWatcher& interrupts) : model_(model), interrupts_(interrupts) {}
+
+    // Prints the files the clips record as done that are not listed yet.
+    void update()
+    {
+        if (error_)
+            return;
+        for (const ClipItem& clip : model_.clips()) {
+            if (clip.status != ClipStatus::done || !clip.outputURL)
+                continue;
+            const QString file = clip.outputURL->toLocalFile();
+            if (listed_.contains(file))
+                continue;  // every clip of a combined batch names the one file
+            listed_ << file;
+            error_ = writeStandardOutput((printablePath(file) + "\n").toUtf8());
+            if (error_ == 0)
+                continue;
+            if (error_ == EPIPE)
+                interrupts_.noteBrokenPipe();  // stops the batch like SIGPIPE
+            else
+                model_.cancelConversion();
+            return;
+        }
+    }
+
+    // The final complaint and status for a write that failed, or 0.
+    int reportFailure() const
+    {
+        if (error_ == 0 || error_ == EPIPE)
+            return 0;
+        complainOfOutput(error_);
+        return 1;
+    }
+
+private:
+    AppModel& model_;
+    InterruptWatcher& interrupts_;
+    QStringList listed_;
+    int error_ = 0;
+};
 
 QCoro::Task<int> runBatch(AppModel& model, InterruptWatcher& interrupts)
 {
     ProgressPrinter printer = ProgressPrinter::forStandardError();
+    WrittenFileList written(model, interrupts);
     QElapsedTimer clock;
     {
         QObject listening;  // its end disconnects everything below
@@ -201,16 +269,14 @@ QCoro::Task<int> runBatch(AppModel& model, InterruptWatcher& interrupts)
         });
         QObject::connect(&interrupts, &InterruptWatcher::interruptReceived, &listening,
                          [&model] { model.cancelConversion(); });
+        QObject::connect(&model, &AppModel::clipsChanged, &listening, [&written] { written.update(); });
 
         clock.start();
         model.startConversion();
         co_await model.conversionFinished();
     }
     printer.message(model.statusMessage());
-    QString list;
-    for (const QString& file : writtenFiles(model))
-        list += printablePath(file) + "\n";
-    const int printed = print(list, interrupts);
+    const int printed = written.reportFailure();
 
     if (interrupts.interrupted())
         co_return interrupts.exitStatus();
@@ -228,6 +294,16 @@ QCoro::Task<int> convert(ConvertRequest request, bool dryRun, InterruptWatcher& 
     AppModel model(options);
     if (request.outputFolder)
         model.setOutputFolder(QUrl::fromLocalFile(*request.outputFolder));
+    if (const auto problem = outputFolderProblem(model.outputFolder().toLocalFile())) {
+        complain(*problem);
+        co_return 2;
+    }
+    // A dry run only shows ffmpeg's commands, but probes the clips as well.
+    const QStringList tools = dryRun ? QStringList{"ffprobe"} : QStringList{"ffprobe", "ffmpeg"};
+    if (const auto missing = missingTool(model.ffmpeg(), tools)) {
+        complain(*missing);
+        co_return 2;
+    }
     model.setSettings(request.settings.appliedTo(model.settings()));
     QList<QUrl> urls;
     for (const QString& file : request.files)
@@ -238,9 +314,13 @@ QCoro::Task<int> convert(ConvertRequest request, bool dryRun, InterruptWatcher& 
         co_return 2;
     }
 
-    co_await model.probesFinished();
+    // An interrupt does not wait for the remaining probes: the controller's
+    // end stops the running ffprobe.
+    while (!allProbed(model) && !interrupts.interrupted())
+        co_await firstSignal(&model, &AppModel::probePassEnded, &interrupts, &InterruptWatcher::interruptReceived);
     if (interrupts.interrupted())
         co_return interrupts.exitStatus();
+    co_await model.probesFinished();
     for (const ClipItem& clip : model.clips()) {
         if (const auto problem = unsupportedInput(clip)) {
             complain(*problem);

@@ -49,19 +49,22 @@ QString convertHelpText()
         "  --saturation S            Saturation factor, 0 to 2, for every clip (default 1)\n"
         "  --temperature T           White-balance shift, -100 to 100, for every clip\n"
         "                            (default 0)\n"
-        "  --watermark-x X           Watermark left edge, fraction of the frame width\n"
-        "  --watermark-y Y           Watermark top edge, fraction of the frame height\n"
-        "  --watermark-width W       Watermark width, fraction of the frame width\n"
+        "  --watermark-x X           Watermark left edge, fraction of the frame width,\n"
+        "                            0 to 1\n"
+        "  --watermark-y Y           Watermark top edge, fraction of the frame height,\n"
+        "                            0 to 1\n"
+        "  --watermark-width W       Watermark width, fraction of the frame width,\n"
+        "                            0.05 to 0.8\n"
         "  --watermark-opacity A     Watermark opacity, 0.05 to 1\n"
         "  --job FILE                JSON job file with settings and per-clip grade and\n"
-        "                            trim; the options above override it\n"
+        "                            trim; the options above override it (give it once)\n"
         "  --dry-run                 Print the ffmpeg commands instead of running them:\n"
         "                            one JSON array per line (program first), each\n"
         "                            followed by a line '# output: PATH'\n"
         "  -h, --help                Show this help\n"
         "\n"
-        "Progress goes to standard error, the batch's final status last. The files\n"
-        "written are listed on standard output.\n"
+        "Progress goes to standard error, the batch's final status last. Each file\n"
+        "written is listed on standard output as soon as it is in place.\n"
         "\n"
         "Exit status: 0 every clip converted; 1 a clip or the joining failed;\n"
         "2 bad usage, job file or input file (nothing converted); 130 interrupted.\n");
@@ -86,10 +89,10 @@ ConvertOptions parseConvertOptions(const QStringList& arguments)
         {QCommandLineOption("contrast", "", "C"), &options.grade.contrast, contrastRange},
         {QCommandLineOption("saturation", "", "S"), &options.grade.saturation, saturationRange},
         {QCommandLineOption("temperature", "", "T"), &options.grade.temperature, temperatureRange},
-        {QCommandLineOption("watermark-x", "", "X"), &options.watermark.x},
-        {QCommandLineOption("watermark-y", "", "Y"), &options.watermark.y},
-        {QCommandLineOption("watermark-width", "", "W"), &options.watermark.widthFraction},
-        {QCommandLineOption("watermark-opacity", "", "A"), &options.watermark.opacity},
+        {QCommandLineOption("watermark-x", "", "X"), &options.watermark.x, watermarkPositionRange},
+        {QCommandLineOption("watermark-y", "", "Y"), &options.watermark.y, watermarkPositionRange},
+        {QCommandLineOption("watermark-width", "", "W"), &options.watermark.widthFraction, watermarkWidthRange},
+        {QCommandLineOption("watermark-opacity", "", "A"), &options.watermark.opacity, watermarkOpacityRange},
     };
     parser.addOptions({help, output, codec, quality, removeAudio, combine, matchPreview, filterChain, job, dryRun});
     for (const auto& number : numbers)
@@ -126,6 +129,8 @@ ConvertOptions parseConvertOptions(const QStringList& arguments)
             throw UsageError{QStringLiteral("--output: the folder name is empty")};
         options.outputFolder = absolute(parser.value(output));
     }
+    if (parser.values(job).size() > 1)
+        throw UsageError{QStringLiteral("--job: given %1 times; one job file per run").arg(parser.values(job).size())};
     if (parser.isSet(job))
         options.jobPath = parser.value(job);
     options.dryRun = parser.isSet(dryRun);

@@ -78,16 +78,22 @@ int runGrade(const QStringList& arguments)
     parser.addOption(lut);
     for (const auto& number : numbers)
         parser.addOption(number.option);
-    parser.process(QStringList{"tavrelune grade"} + arguments);
+    const QStringList commandLine = QStringList{"tavrelune grade"} + arguments;
+    if (parser.parse(commandLine) && parser.isSet(QStringLiteral("help"))) {
+        QTextStream(stdout) << commandHelpText(parser, QStringLiteral("grade"));
+        return 0;
+    }
+    parser.process(commandLine);  // --help-all, and bad options (status 1)
 
     QTextStream err(stderr);
     const QStringList inputs = parser.positionalArguments();
     if (inputs.size() != 1) {
-        err << prefix << (inputs.isEmpty() ? "no INPUT given\n" : "give exactly one INPUT\n") << parser.helpText();
+        err << prefix << (inputs.isEmpty() ? "no INPUT given\n" : "give exactly one INPUT\n")
+            << commandHelpText(parser, QStringLiteral("grade"));
         return 2;
     }
     if (!parser.isSet(output) || parser.value(output).isEmpty()) {
-        err << prefix << "no OUTPUT given (-o OUTPUT)\n" << parser.helpText();
+        err << prefix << "no OUTPUT given (-o OUTPUT)\n" << commandHelpText(parser, QStringLiteral("grade"));
         return 2;
     }
     if (const auto error = readNumberOptions(parser, numbers)) {

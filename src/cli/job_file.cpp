@@ -9,7 +9,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSet>
 #include <algorithm>
+#include <vector>
 
 namespace tavrelune::cli {
 
@@ -199,8 +201,9 @@ SettingsChoice readSettings(const Section& section)
 
 WatermarkChoice readWatermark(const Section& section, const QString& base)
 {
-    return {section.path("url", base, MediaType::isWatermark, "a PNG or SVG file"), section.number("x"),
-            section.number("y"), section.number("widthFraction"), section.number("opacity")};
+    return {section.path("url", base, MediaType::isWatermark, "a PNG or SVG file"),
+            section.number("x", watermarkPositionRange), section.number("y", watermarkPositionRange),
+            section.number("widthFraction", watermarkWidthRange), section.number("opacity", watermarkOpacityRange)};
 }
 
 JobClip readClip(const Section& section, const QString& base)
@@ -218,6 +221,68 @@ JobClip readClip(const Section& section, const QString& base)
     return clip;
 }
 
+// The key path of the first key that appears twice in one object of valid
+// JSON text ("clips[1].exposure"), which Qt's parser would silently drop
+// in favour of the last. Each object has its own set of keys.
+std::optional<QString> repeatedKey(const QByteArray& json)
+{
+    struct Container {
+        bool isObject;
+        QString path;
+        QSet<QString> keys;  // objects
+        QString key;         // objects: the key whose value comes next
+        bool expectingKey = true;
+        qsizetype index = 0;  // lists: the element that comes next
+    };
+    std::vector<Container> open;
+    const auto childPath = [&open]() {
+        if (open.empty())
+            return QString();
+        const Container& parent = open.back();
+        if (!parent.isObject)
+            return QStringLiteral("%1[%2]").arg(parent.path).arg(parent.index);
+        return parent.path.isEmpty() ? parent.key : parent.path + '.' + parent.key;
+    };
+    for (qsizetype i = 0; i < json.size(); ++i) {
+        switch (json[i]) {
+        case '{':
+        case '[':
+            open.push_back({json[i] == '{', childPath(), {}, {}});
+            break;
+        case '}':
+        case ']':
+            open.pop_back();
+            break;
+        case ',':
+            if (open.back().isObject)
+                open.back().expectingKey = true;
+            else
+                ++open.back().index;
+            break;
+        case '"': {
+            const qsizetype start = i;
+            for (++i; json[i] != '"'; ++i)
+                if (json[i] == '\\')
+                    ++i;
+            Container& inside = open.back();
+            if (!inside.isObject || !inside.expectingKey)
+                break;
+            // Decoded, so that escapes spelling the same key count as it.
+            const QByteArray list = '[' + json.mid(start, i + 1 - start) + ']';
+            inside.key = QJsonDocument::fromJson(list).array().first().toString();
+            inside.expectingKey = false;
+            if (inside.keys.contains(inside.key))
+                return childPath();
+            inside.keys.insert(inside.key);
+            break;
+        }
+        default:
+            break;
+        }
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 ConvertJob parseConvertJob(const QByteArray& json, const QString& baseFolder)
@@ -230,6 +295,8 @@ ConvertJob parseConvertJob(const QByteArray& json, const QString& baseFolder)
                                .arg(parseError.offset)};
     if (!document.isObject())
         throw JobFileError{QStringLiteral("expected a JSON object at the top")};
+    if (const auto key = repeatedKey(json))
+        fail(*key, QStringLiteral("given twice"));
 
     const Section top(document.object(), QString(),
                       {"outputFolder", "settings", "lut", "watermark", "clips"});

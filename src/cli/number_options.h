@@ -2,6 +2,7 @@
 #pragma once
 
 #include "grading/grade_values.h"
+#include "watermark/watermark_settings.h"
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>
@@ -13,6 +14,15 @@ namespace tavrelune::cli {
 
 // A finite number in the C locale (surrounding spaces allowed), or nothing.
 std::optional<double> finiteNumber(const QString& text);
+
+// The watermark values the command line and job files accept: a position
+// inside the frame (the window then keeps the whole image inside it, as
+// when dragging), and the width and opacity the window's handles allow.
+inline constexpr GradeRange watermarkPositionRange{0, 1};
+inline constexpr GradeRange watermarkWidthRange{WatermarkSettings::minimumWidthFraction,
+                                                WatermarkSettings::maximumWidthFraction};
+inline constexpr GradeRange watermarkOpacityRange{WatermarkSettings::minimumOpacity,
+                                                  WatermarkSettings::maximumOpacity};
 
 // `Target` is double or std::optional<double>.
 template <typename Target>

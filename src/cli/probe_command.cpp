@@ -36,9 +36,8 @@ QJsonObject toJson(const QString& path, const MediaInfo& info)
     };
 }
 
-QCoro::Task<int> probeAll(QStringList paths, std::stop_token stop)
+QCoro::Task<int> probeAll(FFmpegService& service, QStringList paths, std::stop_token stop)
 {
-    FFmpegService service;
     QTextStream out(stdout);
     QTextStream err(stderr);
     int status = 0;
@@ -71,14 +70,26 @@ int runProbe(const QStringList& arguments)
     parser.setApplicationDescription("Print the facts of media files as JSON, one object per line.");
     parser.addHelpOption();
     parser.addPositionalArgument("FILE", "Media files to probe.", "FILE...");
-    parser.process(QStringList{"tavrelune probe"} + arguments);
+    const QStringList commandLine = QStringList{"tavrelune probe"} + arguments;
+    if (parser.parse(commandLine) && parser.isSet(QStringLiteral("help"))) {
+        QTextStream(stdout) << commandHelpText(parser, QStringLiteral("probe"));
+        return 0;
+    }
+    parser.process(commandLine);  // --help-all, and bad options (status 1)
     const QStringList files = parser.positionalArguments();
     if (files.isEmpty()) {
-        QTextStream(stderr) << "tavrelune probe: no FILE given\n" << parser.helpText();
+        QTextStream(stderr) << "tavrelune probe: no FILE given\n"
+                            << commandHelpText(parser, QStringLiteral("probe"));
+        return 2;
+    }
+    FFmpegService service;
+    // Named once, rather than as every file's failure.
+    if (const auto missing = missingTool(service, {QStringLiteral("ffprobe")})) {
+        QTextStream(stderr) << "tavrelune probe: " << *missing << "\n";
         return 2;
     }
     InterruptWatcher interrupts;
-    const int status = waitForTask(probeAll(files, interrupts.stopSource().get_token()));
+    const int status = waitForTask(probeAll(service, files, interrupts.stopSource().get_token()));
     return interrupts.interrupted() ? interrupts.exitStatus() : status;
 }
 

@@ -4,6 +4,7 @@
 #include <QJsonDocument>
 #include <algorithm>
 #include <cerrno>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace tavrelune::cli {
@@ -17,6 +18,18 @@ QString printablePath(const QString& path)
     // The array's one element, without the brackets.
     const QByteArray array = QJsonDocument(QJsonArray{path}).toJson(QJsonDocument::Compact);
     return QString::fromUtf8(array.mid(1, array.size() - 2));
+}
+
+void reopenClosedStandardStreams()
+{
+    for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+        if (::fcntl(descriptor, F_GETFD) != -1 || errno != EBADF)
+            continue;
+        // The lowest free number is this one: the lower ones are open.
+        const int opened = ::open("/dev/null", O_RDWR);
+        if (opened != descriptor && opened >= 0)
+            ::close(opened);
+    }
 }
 
 int writeStandardOutput(const QByteArray& bytes)

@@ -3,6 +3,7 @@
 #include "cli/argument_names.h"
 #include "cli/commands.h"
 #include "cli/interrupt_watcher.h"
+#include "cli/standard_output.h"
 
 #include <QGuiApplication>
 #include <csignal>
@@ -50,9 +51,10 @@ bool displayAvailable()
 
 int main(int argc, char** argv)
 {
+    tavrelune::cli::reopenClosedStandardStreams();
     // Keeps files whose names are not UTF-8 reachable until the end.
     tavrelune::cli::ArgumentNames names;
-    if (argc > 1 && tavrelune::cli::isHeadlessInvocation({QString::fromLocal8Bit(argv[1])})) {
+    if (argc > 1 && tavrelune::cli::isHeadlessInvocation(names.decode(argv[1]))) {
         // Read before Qt takes out what it counts as its own options.
         const QStringList arguments = names.decode(argc, argv);
         // Preparing a watermark paints with QPainter and Qt SVG, which need a

@@ -46,6 +46,9 @@ TEST(JobFile, ReadsEveryKeyAndResolvesPathsAgainstTheJobFolder)
     EXPECT_EQ(job.clips[1], (JobClip{"/jobs/today/card/A002.mov", {}, std::nullopt, std::nullopt}));
     EXPECT_EQ(parseConvertJob("{}", "/jobs"), ConvertJob{}) << "absent keys stay unset";
     EXPECT_EQ(parseConvertJob(R"({"settings": {"matchPreview": true}})", "/jobs").settings.matchPreview, true);
+    EXPECT_EQ(parseConvertJob(R"({"outputFolder": "a\", \"lut\": \"b", "lut": "c.cube"})", "/jobs").lut,
+              "/jobs/c.cube")
+        << "a key inside a string is no key";
 }
 
 TEST(JobFile, EachMistakeNamesItsKey)
@@ -69,6 +72,10 @@ TEST(JobFile, EachMistakeNamesItsKey)
         {R"("outPoint": 9.0)", R"("outPoint": 2.5)", "clips[0].outPoint: must be after inPoint"},
         {"card/A002.mov", "card/../card/A001.mov", "clips[1].url: repeats clips[0]"},
         {R"("clips": [)", R"("clips": [ ,)", "not valid JSON (illegal value at offset 309)"},
+        // Qt's parser keeps the last of repeated keys; each object has its own.
+        {R"("codec": "hevc")", R"("codec": "hevc", "\u0063odec": "h264")", "settings.codec: given twice"},
+        {R"({ "url": "card/A002.mov" })", R"({ "url": "card/A002.mov", "url": "x.mov" })", "clips[1].url: given twice"},
+        {R"("outputFolder")", R"("clips": [], "outputFolder")", "clips: given twice"},
     };
     for (const Case& c : cases) {
         QByteArray json = goodJob;
@@ -94,31 +101,59 @@ TEST(ConvertOptions, CommandLineWinsOverTheJob)
     EXPECT_EQ(request.clipEdits[2].grade, (GradeChoice{-0.5, {}, {}, {}}));
 }
 
-TEST(GradeRanges, OptionsAndJobKeysOutsideTheSlidersAreRefusedByName)
+TEST(ConvertOptions, OneJobFileAtMost)
+{
+    try {
+        parseConvertOptions({"--job", "a.json", "--job", "b.json"});
+        FAIL() << "accepted";
+    } catch (const UsageError& error) {
+        EXPECT_EQ(error.message, "--job: given 2 times; one job file per run");
+    }
+}
+
+TEST(NumberRanges, OptionsAndJobKeysOutsideTheWindowsLimitsAreRefusedByName)
 {
     const struct {
-        const char* name;
-        const char* value;  // as QString::number writes it back
-        const char* range;  // empty: accepted
+        const char* option;  // without "--"
+        const char* key;     // the job file's key ("clips[0]." or "watermark." before it)
+        const char* value;   // as QString::number writes it back
+        const char* range;   // empty: accepted
     } cases[] = {
-        {"exposure", "-3", ""},         {"exposure", "3.01", "-3 to 3"},  {"exposure", "-1e+308", "-3 to 3"},
-        {"contrast", "0.49", "0.5 to 2"}, {"contrast", "2", ""},          {"saturation", "-0.01", "0 to 2"},
-        {"saturation", "0", ""},        {"temperature", "100", ""},       {"temperature", "-100.5", "-100 to 100"},
+        {"exposure", "exposure", "-3", ""},
+        {"exposure", "exposure", "3.01", "-3 to 3"},
+        {"exposure", "exposure", "-1e+308", "-3 to 3"},
+        {"contrast", "contrast", "0.49", "0.5 to 2"},
+        {"contrast", "contrast", "2", ""},
+        {"saturation", "saturation", "-0.01", "0 to 2"},
+        {"saturation", "saturation", "0", ""},
+        {"temperature", "temperature", "100", ""},
+        {"temperature", "temperature", "-100.5", "-100 to 100"},
+        {"watermark-opacity", "opacity", "7", "0.05 to 1"},
+        {"watermark-opacity", "opacity", "-1", "0.05 to 1"},
+        {"watermark-opacity", "opacity", "0.05", ""},
+        {"watermark-width", "widthFraction", "0.9", "0.05 to 0.8"},
+        {"watermark-width", "widthFraction", "0.8", ""},
+        {"watermark-x", "x", "1.5", "0 to 1"},
+        {"watermark-x", "x", "0", ""},
+        {"watermark-y", "y", "-0.1", "0 to 1"},
+        {"watermark-y", "y", "1", ""},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.name) + " " + c.value);
+        SCOPED_TRACE(std::string(c.option) + " " + c.value);
         const QString outside = QString("%1 is outside %2").arg(c.value, c.range);
         QString optionMessage = "(accepted)";
         try {
-            parseConvertOptions({QString("--") + c.name, c.value});
+            parseConvertOptions({QString("--") + c.option, c.value});
         } catch (const UsageError& error) {
             optionMessage = error.message;
         }
-        const QString jobMessage =
-            messageFor(QString(R"({"clips": [{"url": "a.mov", "%1": %2}]})").arg(c.name, c.value).toUtf8());
+        const bool watermark = QString(c.option).startsWith("watermark-");
+        const QString key = (watermark ? "watermark." : "clips[0].") + QString(c.key);
+        const QString job = watermark ? R"({"watermark": {"%1": %2}})" : R"({"clips": [{"url": "a.mov", "%1": %2}]})";
+        const QString jobMessage = messageFor(job.arg(c.key, c.value).toUtf8());
         if (*c.range) {
-            EXPECT_EQ(optionMessage, QString("--") + c.name + ": " + outside);
-            EXPECT_EQ(jobMessage, QString("clips[0].") + c.name + ": " + outside);
+            EXPECT_EQ(optionMessage, QString("--") + c.option + ": " + outside);
+            EXPECT_EQ(jobMessage, key + ": " + outside);
         } else {
             EXPECT_EQ(optionMessage, "(accepted)");
             EXPECT_EQ(jobMessage, "(accepted)");
