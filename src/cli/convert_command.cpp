@@ -84,7 +84,7 @@ std::optional<QString> unsupportedInput(const ClipItem& clip)
 bool allProbed(const AppModel& model)
 {
     return std::all_of(model.clips().begin(), model.clips().end(),
-                       [](const ClipItem& clip) { return clip.duration || clip.errorMessage; });
+                       [](const ClipItem& clip) { return clip.duration || clip.readError; });
 }
 
 // Why the batch could not write to `folder`: a file stands at it, or at one
