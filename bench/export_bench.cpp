@@ -8,7 +8,7 @@
 // time. The last output of each encoder and preset is kept in WORKDIR as
 // <codec>-<preset>.mp4, and the grade chain in WORKDIR/grade.txt, so the
 // calling script can measure quality against the graded source.
-#include "engine/blocking_wait.h"
+#include "async/blocking_wait.h"
 #include "engine/clip_conversion.h"
 #include "engine/ffmpeg_service.h"
 

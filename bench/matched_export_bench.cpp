@@ -11,7 +11,7 @@
 // error the encoder alone makes. Speed, as Google Benchmark cases: a graded
 // export of TIMING_INPUT with LUT, matched (baking included) and with the
 // filter chain, with its multiple of real time.
-#include "engine/blocking_wait.h"
+#include "async/blocking_wait.h"
 #include "engine/clip_conversion.h"
 #include "engine/ffmpeg_service.h"
 #include "grading/baked_cube.h"

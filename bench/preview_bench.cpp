@@ -6,11 +6,11 @@
 // render, grade and draw times recorded by the player and the view.
 //
 // preview_bench [--seconds N] [--lut FILE] NAME=CLIP...   (needs a display)
-#include "engine/blocking_wait.h"
+#include "async/blocking_wait.h"
 #include "engine/ffmpeg_service.h"
 #include "grading/cube_lut.h"
-#include "preview/graded_preview_view.h"
-#include "preview/player_layer_view.h"
+#include "ui/preview/graded_preview_view.h"
+#include "ui/preview/player_layer_view.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -2,8 +2,7 @@
 
 #include "engine/ffmpeg_service.h"
 #include "engine/tool_locator.h"
-#include "engine/tool_versions.h"
-#include "preview/mpv_version.h"
+#include "controller/version_text.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -42,15 +41,6 @@ QString usage()
 }
 
 }  // namespace
-
-QString versionText(const QString& ffmpeg)
-{
-    const QString ffmpegFound = ffmpegVersion(ffmpeg);
-    return QStringLiteral("tavrelune %1\nffmpeg %2\nlibmpv %3\n")
-        .arg(QStringLiteral(TAVRELUNE_VERSION),
-             ffmpegFound.isEmpty() ? QStringLiteral("not found") : ffmpegFound + " (" + ffmpeg + ")",
-             libmpvVersion());
-}
 
 bool isHeadlessInvocation(const QString& firstArgument)
 {

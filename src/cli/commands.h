@@ -35,10 +35,6 @@ const std::vector<Command>& commands();
 // window.
 bool isHeadlessInvocation(const QString& firstArgument);
 
-// "tavrelune 0.1.0", then the version and path of the ffmpeg at `ffmpeg`
-// (the one exports run) and the libmpv version, one per line: what
-// --version prints and the About box shows.
-QString versionText(const QString& ffmpeg);
 
 // Runs the subcommand named by the first argument; the application object
 // must exist.

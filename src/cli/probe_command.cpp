@@ -1,7 +1,7 @@
 // `tavrelune probe FILE...`: one JSON object per file on standard output.
 #include "cli/commands.h"
 #include "cli/interrupt_watcher.h"
-#include "engine/blocking_wait.h"
+#include "async/blocking_wait.h"
 #include "engine/ffmpeg_service.h"
 
 #include <QCommandLineParser>

@@ -4,7 +4,7 @@
 #include "controller/output_claim.h"
 #include "controller/output_naming.h"
 #include "engine/concat_job.h"
-#include "engine/next_signal.h"
+#include "async/next_signal.h"
 #include "engine/silent_track.h"
 #include "grading/cube_writer.h"
 #include "model/media_type.h"

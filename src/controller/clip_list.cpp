@@ -5,7 +5,7 @@
 #include "model/media_type.h"
 
 #include <QDir>
-#include "engine/next_signal.h"
+#include "async/next_signal.h"
 #include <QFileInfo>
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 // clip as a fraction of the whole clip.
 #include "controller/app_model.h"
 
-#include "engine/delay.h"
+#include "async/delay.h"
 #include "grading/delivery_table.h"
 #include "grading/pixel_image.h"
 #include "model/delivery_conversion.h"

@@ -1,7 +1,7 @@
 // FFmpegService::detectEncoders: which video encoders work on this machine.
 #include "engine/ffmpeg_service.h"
 
-#include "engine/next_signal.h"
+#include "async/next_signal.h"
 
 namespace tavrelune {
 

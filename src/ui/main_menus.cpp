@@ -1,6 +1,6 @@
 #include "ui/main_menus.h"
 
-#include "cli/commands.h"
+#include "controller/version_text.h"
 #include "controller/app_model.h"
 
 #include <QMainWindow>
@@ -103,7 +103,7 @@ void MainMenus::togglePlayAll()
 void MainMenus::showAbout()
 {
     // What `tavrelune --version` prints, below the title.
-    QStringList lines = cli::versionText(model_.ffmpeg().binaryPath(QStringLiteral("ffmpeg")))
+    QStringList lines = versionText(model_.ffmpeg().binaryPath(QStringLiteral("ffmpeg")))
                             .trimmed()
                             .split('\n');
     lines.removeFirst();

@@ -2,10 +2,10 @@
 
 #include "controller/app_model.h"
 #include "model/picture_fit.h"
-#include "preview/graded_preview_view.h"
+#include "ui/preview/graded_preview_view.h"
 #include "ui/appearance.h"
 #include "ui/icons.h"
-#include "watermark/watermark_placement_view.h"
+#include "ui/watermark/watermark_placement_view.h"
 
 #include <QLabel>
 #include <QMouseEvent>

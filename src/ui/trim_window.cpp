@@ -1,7 +1,7 @@
 #include "ui/trim_window.h"
 
 #include "controller/app_model.h"
-#include "trim/trim_editor_view.h"
+#include "ui/trim/trim_editor_view.h"
 
 #include <QShowEvent>
 #include <QVBoxLayout>

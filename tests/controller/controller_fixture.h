@@ -4,7 +4,7 @@
 #pragma once
 
 #include "controller/app_model.h"
-#include "engine/blocking_wait.h"
+#include "async/blocking_wait.h"
 #include "support/media_fixtures.h"
 #include "support/temp_folder.h"
 

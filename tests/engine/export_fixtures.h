@@ -1,7 +1,7 @@
 // Helpers shared by the engine's export tests.
 #pragma once
 
-#include "engine/blocking_wait.h"
+#include "async/blocking_wait.h"
 #include "engine/ffmpeg_service.h"
 #include "support/media_fixtures.h"
 #include "support/temp_folder.h"

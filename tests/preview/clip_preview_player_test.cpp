@@ -3,7 +3,7 @@
 // the end of a clip.
 #include "preview/clip_preview_player.h"
 
-#include "engine/blocking_wait.h"
+#include "async/blocking_wait.h"
 #include "support/preview_fixtures.h"
 #include "support/task_helpers.h"
 #include "support/temp_folder.h"

@@ -8,17 +8,17 @@
 //
 // Usage: window_screenshots OUTPUT_FOLDER (run under an X server).
 #include "controller/app_model.h"
-#include "engine/blocking_wait.h"
+#include "async/blocking_wait.h"
 #include "support/media_fixtures.h"
 #include "ui/file_drop.h"
-#include "preview/player_layer_view.h"
-#include "trim/trim_editor_view.h"
-#include "trim/trim_timeline_view.h"
+#include "ui/preview/player_layer_view.h"
+#include "ui/trim/trim_editor_view.h"
+#include "ui/trim/trim_timeline_view.h"
 #include "ui/inspector.h"
 #include "ui/main_window.h"
 #include "ui/preview_pane.h"
 #include "ui/preview_stage.h"
-#include "watermark/watermark_placement_view.h"
+#include "ui/watermark/watermark_placement_view.h"
 
 #include <QApplication>
 #include <QDir>

@@ -6,7 +6,7 @@
 #include <functional>
 #include <stop_token>
 
-#include "engine/blocking_wait.h"
+#include "async/blocking_wait.h"
 
 namespace tavrelune::test {
 

@@ -5,13 +5,13 @@
 #define QTEST_QPA_MOUSE_HANDLING
 #include "window_fixture.h"
 
-#include "preview/graded_preview_view.h"
+#include "ui/preview/graded_preview_view.h"
 #include "support/preview_fixtures.h"
 #include "ui/live_slider.h"
 #include "ui/playback_bar.h"
 #include "ui/preview_pane.h"
 #include "ui/preview_stage.h"
-#include "watermark/watermark_placement_view.h"
+#include "ui/watermark/watermark_placement_view.h"
 
 #include <QLabel>
 #include <QPushButton>

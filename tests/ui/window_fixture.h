@@ -3,7 +3,7 @@
 #pragma once
 
 #include "controller/controller_fixture.h"
-#include "engine/blocking_wait.h"
+#include "async/blocking_wait.h"
 #include "ui/main_window.h"
 
 #include <QTest>

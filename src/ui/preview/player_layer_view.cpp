@@ -1,4 +1,4 @@
-#include "preview/player_layer_view.h"
+#include "ui/preview/player_layer_view.h"
 
 namespace tavrelune {
 

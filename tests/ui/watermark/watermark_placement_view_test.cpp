@@ -1,6 +1,6 @@
 // The placement view on a real controller under a real X server: drags made
 // with real mouse events, and the exported file read back with ffmpeg.
-#include "watermark/watermark_placement_view.h"
+#include "ui/watermark/watermark_placement_view.h"
 
 #include "controller/controller_fixture.h"
 #include "support/preview_fixtures.h"

@@ -1,9 +1,9 @@
-#include "trim/trim_editor_view.h"
+#include "ui/trim/trim_editor_view.h"
 
 #include "controller/app_model.h"
 #include "model/time_formatting.h"
-#include "preview/player_layer_view.h"
-#include "trim/trim_timeline_view.h"
+#include "ui/preview/player_layer_view.h"
+#include "ui/trim/trim_timeline_view.h"
 #include "ui/appearance.h"
 #include "ui/elided_label.h"
 #include "ui/icons.h"

@@ -1,7 +1,7 @@
 // The live views under a real X server with Mesa: pictures read back from
 // the OpenGL framebuffer after the real player, grader and upload path.
-#include "preview/graded_preview_view.h"
-#include "preview/player_layer_view.h"
+#include "ui/preview/graded_preview_view.h"
+#include "ui/preview/player_layer_view.h"
 
 #include "controller/controller_fixture.h"
 #include "support/preview_fixtures.h"

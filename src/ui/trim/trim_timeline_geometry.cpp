@@ -1,4 +1,4 @@
-#include "trim/trim_timeline_geometry.h"
+#include "ui/trim/trim_timeline_geometry.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "preview/video_frame_view.h"
+#include "ui/preview/video_frame_view.h"
 
 #include "model/picture_fit.h"
 #include "preview/clip_preview_player.h"

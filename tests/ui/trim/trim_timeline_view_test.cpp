@@ -1,6 +1,6 @@
 // The timeline widget under a real X server: what a press, moves and a
 // release report, when it reports nothing, and the cursor it shows.
-#include "trim/trim_timeline_view.h"
+#include "ui/trim/trim_timeline_view.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>

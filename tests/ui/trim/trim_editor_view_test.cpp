@@ -1,12 +1,12 @@
 // The "In & Out" window on a real controller, real clips and the real trim
 // player (mpv with ao=null) under Xvfb: what it shows in each state, drags
 // on its timeline reaching the trim points, its buttons and its keys.
-#include "trim/trim_editor_view.h"
+#include "ui/trim/trim_editor_view.h"
 
 #include "controller/controller_fixture.h"
-#include "preview/player_layer_view.h"
+#include "ui/preview/player_layer_view.h"
 #include "support/preview_fixtures.h"
-#include "trim/trim_timeline_view.h"
+#include "ui/trim/trim_timeline_view.h"
 #include "ui/elided_label.h"
 #include "ui/trim_window.h"
 

@@ -4,7 +4,7 @@
 // Threading: main thread only. Ownership: holds the player weakly.
 #pragma once
 
-#include "preview/video_frame_view.h"
+#include "ui/preview/video_frame_view.h"
 
 namespace tavrelune {
 

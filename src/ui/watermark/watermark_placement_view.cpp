@@ -1,4 +1,4 @@
-#include "watermark/watermark_placement_view.h"
+#include "ui/watermark/watermark_placement_view.h"
 
 #include "controller/app_model.h"
 #include "watermark/watermark_placement.h"

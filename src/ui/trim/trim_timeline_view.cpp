@@ -1,4 +1,4 @@
-#include "trim/trim_timeline_view.h"
+#include "ui/trim/trim_timeline_view.h"
 
 #include "ui/appearance.h"
 

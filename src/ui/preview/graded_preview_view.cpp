@@ -1,4 +1,4 @@
-#include "preview/graded_preview_view.h"
+#include "ui/preview/graded_preview_view.h"
 
 #include "preview/clip_preview_player.h"
 

@@ -11,7 +11,7 @@
 // Units: seconds. Ownership: a plain widget owned by its parent.
 #pragma once
 
-#include "trim/trim_timeline_geometry.h"
+#include "ui/trim/trim_timeline_geometry.h"
 
 #include <QWidget>
 #include <functional>

@@ -1,7 +1,7 @@
 // Timeline arithmetic on a 218 × 34 control: the track runs from x = 9 to
 // x = 209 (200 px) and from y = 13 to y = 21, so on a 10 s clip one second is
 // 20 px and x(t) = 9 + 20 t.
-#include "trim/trim_timeline_geometry.h"
+#include "ui/trim/trim_timeline_geometry.h"
 
 #include <gtest/gtest.h>
 

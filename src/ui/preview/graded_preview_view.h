@@ -12,7 +12,7 @@
 #pragma once
 
 #include "preview/frame_grader.h"
-#include "preview/video_frame_view.h"
+#include "ui/preview/video_frame_view.h"
 
 #include <atomic>
 
