@@ -8,10 +8,25 @@
 #include <mpv/client.h>
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <clocale>
 #include <cmath>
 
 namespace tavrelune {
+
+namespace {
+
+// Hardware decoding needs a device to decode on. Without one, trying each
+// decoding API only costs time, and a driver library complains on the
+// terminal at every load (libvdpau: "Failed to open VDPAU backend ...").
+bool hasDecodingDevice()
+{
+    return !QDir(QStringLiteral("/dev/dri")).entryList({QStringLiteral("renderD*")}, QDir::System).isEmpty()
+        || QFileInfo::exists(QStringLiteral("/dev/nvidia0"));
+}
+
+}  // namespace
 
 namespace {
 
@@ -66,7 +81,7 @@ bool ClipPreviewPlayer::ensureCore()
     if (!options_.audioOutput.isEmpty())
         option("ao", options_.audioOutput);
     option("audio-client-name", "Tavrelune");
-    option("hwdec", "auto-copy-safe");
+    option("hwdec", hasDecodingDevice() ? QStringLiteral("auto-copy-safe") : QStringLiteral("no"));
     option("idle", "yes");
     option("pause", "yes");
     option("keep-open", "yes");  // the end pauses on the last frame instead of unloading

@@ -1,7 +1,6 @@
 #include "ui/file_drop.h"
 
 #include <QCollator>
-#include <QDir>
 #include <QFileInfo>
 #include <QLocale>
 #include <QMimeData>
@@ -9,41 +8,20 @@
 
 namespace tavrelune::ui::FileDrop {
 
-namespace {
-
-std::optional<QUrl> fileLocation(const QString& line)
-{
-    const QString text = line.trimmed();
-    if (text.isEmpty())
-        return std::nullopt;
-    if (text.startsWith(QLatin1String("file:"))) {
-        const QUrl url(text);
-        return url.isLocalFile() ? std::optional<QUrl>(url) : std::nullopt;
-    }
-    if (QDir::isAbsolutePath(text))
-        return QUrl::fromLocalFile(text);
-    return std::nullopt;
-}
-
-}  // namespace
-
 bool carriesFiles(const QMimeData& data)
 {
-    return data.hasUrls() || data.hasText();
+    if (!data.hasUrls())
+        return false;
+    const QList<QUrl> all = data.urls();
+    return std::any_of(all.begin(), all.end(), [](const QUrl& url) { return url.isLocalFile(); });
 }
 
 QList<QUrl> urls(const QMimeData& data)
 {
     QList<QUrl> found;
-    if (data.hasUrls()) {
-        for (const QUrl& url : data.urls())
-            if (url.isLocalFile())
-                found << url;
-    } else if (data.hasText()) {
-        for (const QString& line : data.text().split(QLatin1Char('\n')))
-            if (const auto url = fileLocation(line))
-                found << *url;
-    }
+    for (const QUrl& url : data.urls())
+        if (url.isLocalFile())
+            found << url;
     return sortedByName(std::move(found));
 }
 

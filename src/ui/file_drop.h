@@ -1,6 +1,6 @@
 // Turns dropped data into file locations: the file URLs of a
-// "text/uri-list", or, without one, each line of plain text taken as a file
-// path. Other items (web addresses, relative text) are skipped. The result
+// "text/uri-list". Anything else (web addresses, plain text, even text
+// that looks like a path) is not a file and is not taken. The result
 // is sorted by file name the way a file manager sorts (case-insensitive,
 // digit runs as numbers), stably, whatever order the items came in.
 //
@@ -14,7 +14,7 @@ class QMimeData;
 
 namespace tavrelune::ui::FileDrop {
 
-// Whether the data may hold file locations (worth accepting a drag for).
+// Whether the data holds a file location (worth accepting a drag for).
 bool carriesFiles(const QMimeData& data);
 
 QList<QUrl> urls(const QMimeData& data);

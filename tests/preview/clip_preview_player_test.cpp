@@ -9,7 +9,11 @@
 #include "support/temp_folder.h"
 
 #include <QColor>
+#include <QFile>
 #include <QSignalSpy>
+#include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
 #include <gtest/gtest.h>
 
 using namespace tavrelune;
@@ -182,4 +186,26 @@ TEST_F(PlayerTest, ReportsTheEndOncePerItem)
     ASSERT_TRUE(load(shortClip));
     spinEventLoop(100);
     EXPECT_EQ(ended, 1);
+}
+
+// Loading and playing a clip leaves the terminal quiet on a machine without
+// a decoding device (no driver library's complaints on standard error).
+TEST_F(PlayerTest, LoadingSaysNothingOnStandardError)
+{
+    const QUrl video = clip("quiet.mp4", previewClip(0.5));
+    const QString captured = root.file("stderr.txt");
+    std::fflush(stderr);
+    const int saved = dup(2);
+    const int file = open(captured.toLocal8Bit().constData(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    dup2(file, 2);
+    const bool loaded = load(video);
+    const bool framed = waitForFrame() != nullptr;
+    std::fflush(stderr);
+    dup2(saved, 2);
+    close(saved);
+    close(file);
+    ASSERT_TRUE(loaded && framed);
+    QFile text(captured);
+    ASSERT_TRUE(text.open(QIODevice::ReadOnly));
+    EXPECT_EQ(text.readAll(), "");
 }

@@ -27,11 +27,16 @@ TEST(FileDrop, KeepsOnlyFilesSortedByNameAsAFileManagerDoes)
     EXPECT_EQ(names(FileDrop::urls(uris)), (QStringList{"Clip1.mov", "clip1.mov", "clip2.mov", "clip10.mov"}))
         << "case-insensitive, numbers by value, equal names in the order dropped";
 
-    QMimeData text;
-    text.setText("/media/take 2.mov\nnotes about the shoot\nfile:///media/take%2010.mov\n\n/media/Take 1.mov");
-    EXPECT_EQ(names(FileDrop::urls(text)), (QStringList{"Take 1.mov", "take 2.mov", "take 10.mov"}));
+    EXPECT_TRUE(FileDrop::carriesFiles(uris));
 
-    QMimeData nothing;
-    nothing.setUrls({QUrl("https://example.com/a.mov")});
-    EXPECT_TRUE(FileDrop::urls(nothing).isEmpty());
+    // Text is not a file, even a path: a dragged selection of text is refused.
+    QMimeData text;
+    text.setText("/media/take 2.mov\nfile:///media/take%2010.mov");
+    EXPECT_FALSE(FileDrop::carriesFiles(text));
+    EXPECT_TRUE(FileDrop::urls(text).isEmpty());
+
+    QMimeData web;
+    web.setUrls({QUrl("https://example.com/a.mov")});
+    EXPECT_FALSE(FileDrop::carriesFiles(web));
+    EXPECT_TRUE(FileDrop::urls(web).isEmpty());
 }
