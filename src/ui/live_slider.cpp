@@ -93,6 +93,27 @@ void LiveSlider::mouseReleaseEvent(QMouseEvent* event)
         endTracking();
 }
 
+// A held knob whose slider is disabled or hidden (a batch starting, a
+// pane closing) never sees its release: the drag ends here, so whoever
+// follows the edit is not left waiting for it.
+void LiveSlider::changeEvent(QEvent* event)
+{
+    QSlider::changeEvent(event);
+    if (event->type() == QEvent::EnabledChange && !isEnabled() && tracking_) {
+        setSliderDown(false);
+        endTracking();
+    }
+}
+
+void LiveSlider::hideEvent(QHideEvent* event)
+{
+    QSlider::hideEvent(event);
+    if (tracking_) {
+        setSliderDown(false);
+        endTracking();
+    }
+}
+
 void LiveSlider::endTracking()
 {
     tracking_ = false;

@@ -101,3 +101,25 @@ TEST_F(LiveSliderTest, AKeyStepIsOneWholeEdit)
     QTest::keyClick(&slider, Qt::Key_Tab);
     EXPECT_EQ(editingSpy.size(), 2) << "keys that move nothing report nothing";
 }
+
+// Disabled (a batch starting) or hidden while held: the drag ends then, and
+// a value that waited for the release is shown.
+TEST_F(LiveSliderTest, DisablingOrHidingAHeldKnobEndsTheDrag)
+{
+    for (const bool hide : {false, true}) {
+        editingSpy.clear();
+        QTest::mousePress(&slider, Qt::LeftButton, {}, knob());
+        slider.setValue(hide ? 1 : -1);
+        if (hide)
+            slider.hide();
+        else
+            slider.setEnabled(false);
+        EXPECT_EQ(editing(), (QList<bool>{true, false})) << hide;
+        EXPECT_FALSE(slider.isSliderDown());
+        EXPECT_NEAR(slider.value(), hide ? 1 : -1, 0.001);
+        QTest::mouseRelease(&slider, Qt::LeftButton, {}, knob());
+        EXPECT_EQ(editing().size(), 2) << "the late release reports nothing more";
+        slider.setEnabled(true);
+        slider.show();
+    }
+}
