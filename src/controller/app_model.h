@@ -286,7 +286,9 @@ private:
     void applyTrimToMainPreview();
     // Copies the sliders' four values into a clip record.
     void applyLiveGrade(ClipItem& clip) const;
-    void refreshPreviewsAfterRemoval();
+    // The selected clip, at `removedAt`, has left the list: the one after it
+    // (else the new last) is selected, and Play All goes on with it.
+    void selectAfterRemoval(qsizetype removedAt);
     // Asks for one existing file; none when cancelled or no chooser is set.
     std::optional<QUrl> chooseOneFile(const QString& message, const QSet<QString>& extensions);
 

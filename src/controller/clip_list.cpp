@@ -148,12 +148,25 @@ void AppModel::selectClip(const QUuid& id)
         loadTrimPreview();
 }
 
-void AppModel::refreshPreviewsAfterRemoval()
+void AppModel::selectAfterRemoval(qsizetype removedAt)
 {
-    if (clips_.isEmpty())
+    if (clips_.isEmpty()) {
+        setIsPlayingAll(false);
+        playAllAfterLoad_ = false;
+        setSelectedClipID(QUuid());
         clearPreview();
-    else
-        loadSelectedPreview();
+        if (trimEditorVisible_)
+            loadTrimPreview();
+        return;
+    }
+    // Play All goes on with the clip that followed; past the end it is over.
+    const bool playsOn = isPlayingAll_ && removedAt < clips_.size();
+    if (isPlayingAll_ && !playsOn)
+        pausePlayback(true);
+    setSelectedClipID(clips_[std::min(removedAt, clips_.size() - 1)].id);
+    playAllAfterLoad_ = playsOn;
+    consumedPlayAllAdvance_ = false;
+    loadSelectedPreview();
     if (trimEditorVisible_)
         loadTrimPreview();
 }
@@ -164,12 +177,16 @@ void AppModel::removeClip(const QUuid& id)
     // wait for the next one, and nothing leaves the list until it ends.
     if (batchRunning_)
         return;
+    const auto found = std::find_if(clips_.begin(), clips_.end(), [&id](const ClipItem& clip) { return clip.id == id; });
+    if (found == clips_.end())
+        return;
+    const qsizetype position = found - clips_.begin();
     QList<ClipItem> remaining = clips_;
-    remaining.removeIf([&id](const ClipItem& clip) { return clip.id == id; });
+    remaining.removeAt(position);
     setClips(std::move(remaining));
+    // Another clip's removal leaves the selection, and what plays, alone.
     if (selectedClipID_ == id)
-        setSelectedClipID(clips_.isEmpty() ? QUuid() : clips_.first().id);
-    refreshPreviewsAfterRemoval();
+        selectAfterRemoval(position);
 }
 
 void AppModel::removeSelected()
@@ -177,17 +194,8 @@ void AppModel::removeSelected()
     if (batchRunning_)
         return;
     commitLiveGrade();
-    const auto position = selectedIndex();
-    if (!position)
-        return;
-    QList<ClipItem> remaining = clips_;
-    remaining.removeAt(*position);
-    setClips(std::move(remaining));
-    if (*position < clips_.size())
-        setSelectedClipID(clips_[*position].id);
-    else
-        setSelectedClipID(clips_.isEmpty() ? QUuid() : clips_.last().id);
-    refreshPreviewsAfterRemoval();
+    if (const auto position = selectedIndex())
+        removeClip(clips_[*position].id);
 }
 
 void AppModel::moveClips(const QList<int>& rows, int destination)

@@ -75,3 +75,24 @@ TEST_F(PlayAllTest, PausingEndsTheRunAndPlayThenPlaysOnlyTheSelectedClip)
     EXPECT_EQ(selections, QStringList{"b.mp4"});
     EXPECT_EQ(model->clock().seconds(), 0.6);
 }
+
+// Removing the clip that plays goes on with the next one; removing the last
+// one while it plays ends the run, and the menu's "Stop Play All" with it.
+TEST_F(PlayAllTest, RemovingThePlayingClipGoesOnWithTheNext)
+{
+    addClips();
+    model->startPlayAll();
+    const QUuid second = clipAt(1).id;
+    model->removeClip(clipAt(0).id);
+    EXPECT_TRUE(model->isPlayingAll());
+    EXPECT_EQ(model->selectedClipID(), second);
+    ASSERT_TRUE(waitUntil([this] { return model->clock().isPlaying(); }));
+
+    model->selectClip(clipAt(2).id);  // c.mp4, the last
+    model->startPlayAll();
+    ASSERT_TRUE(waitUntil([this] { return model->selectedClipID() == clipAt(2).id && model->clock().isPlaying(); },
+                          15000));
+    model->removeClip(clipAt(2).id);
+    EXPECT_FALSE(model->isPlayingAll());
+    EXPECT_FALSE(model->clock().isPlaying());
+}
