@@ -284,6 +284,8 @@ private:
     void notifyDerived();
     bool tasksRunning() const;
     void applyTrimToMainPreview();
+    // The sliders' grade to the player's frame grader, without a redraw.
+    void assignLiveGrade();
     // Copies the sliders' four values into a clip record.
     void applyLiveGrade(ClipItem& clip) const;
     // The selected clip, at `removedAt`, has left the list: the one after it

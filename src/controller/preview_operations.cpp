@@ -52,6 +52,9 @@ void AppModel::loadSelectedPreview()
     }
     clock_.setSeconds(playAllAfterLoad_ ? clip->effectiveInPoint() : clip->playheadInWindow());
     liveGrade_.copyFrom(*clip);
+    // In force before the new clip's first frame is graded; the frame on
+    // screen keeps the grade it was drawn with until that frame replaces it.
+    assignLiveGrade();
     const bool autoplay = std::exchange(playAllAfterLoad_, false);
     if (!previews_)
         return;
@@ -232,13 +235,18 @@ void AppModel::refreshFallbackStill()
         setGradedPreview(sourcePreview_);
 }
 
-void AppModel::pushLiveGradeToPreview()
+void AppModel::assignLiveGrade()
 {
     GradeSnapshot grade;
     grade.grade = liveGrade_.values();
     grade.lut = grader_.lut();
     grade.bypass = showingOriginal_;
     previewPlayer_->grade().assign(std::move(grade));
+}
+
+void AppModel::pushLiveGradeToPreview()
+{
+    assignLiveGrade();
     if (previewPlayer_->onNeedsRedraw)
         previewPlayer_->onNeedsRedraw();
     if (!clock_.isPlayable())

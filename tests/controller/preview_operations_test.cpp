@@ -149,3 +149,21 @@ TEST_F(PreviewTest, OnlyTheLastOfQuickSelectionsIsExtractedAndAnUnreadableClipSh
     EXPECT_TRUE(model->sourcePreview().isNull());
     EXPECT_FALSE(model->isPreviewing());
 }
+
+// The frame grader holds a newly selected clip's grade from the moment it
+// is selected, before the player has loaded any of its frames; until then
+// nothing asks the frame on screen to be drawn again.
+TEST_F(PreviewTest, ANewlySelectedClipsGradeIsInForceBeforeItsFirstFrame)
+{
+    addAndProbe({clip("a.mp4", previewClip(0.5)), clip("b.mp4", previewClip(0.5))});
+    ASSERT_TRUE(settled());
+    model->updateClip(clipAt(1).id, [](ClipItem& stored) { stored.exposure = 1.5; });
+    int redraws = 0;
+    model->previewPlayer().onNeedsRedraw = [&redraws] { ++redraws; };
+    const QUuid loadBefore = model->previewPlayer().loadID();
+    model->selectClip(clipAt(1).id);
+    EXPECT_EQ(model->previewPlayer().loadID(), loadBefore) << "the new clip is not loaded yet";
+    EXPECT_DOUBLE_EQ(model->previewPlayer().grade().snapshot().grade.exposure, 1.5);
+    EXPECT_EQ(redraws, 0);
+    model->previewPlayer().onNeedsRedraw = nullptr;
+}
