@@ -19,7 +19,7 @@ int64_t forecastAudioBitrate(const ClipConversion& job, std::optional<int64_t> p
     if (job.settings.removeAudio)
         return 0;
     if (job.normalization)
-        return forecastAudioKbps * job.normalization->audioTracks;
+        return partAudioKbps * job.normalization->audioTracks;
     const int tracks = job.sourceAudioTrackCount();
     // Only the first track's rate is known; the others are taken alike.
     if (job.triesAudioCopy() && probedBitsPerSecond && *probedBitsPerSecond > 0)
@@ -43,16 +43,24 @@ SizeForecast forecastBatch(const QList<ClipItem>& clips, const EncodeSettings& s
 {
     SizeForecast forecast;
     const BatchPlan plan = planBatch(clips, settings);
+    int64_t joined = 0;
     for (const ClipItem& clip : clips) {
         const ClipConversion job = conversionFor(clip, plan, QString(), std::nullopt, std::nullopt, settings);
         const int64_t bytes = forecastBytes(job, clip.audioBitrate);
-        if (plan.combine)
-            forecast.parts += bytes;
-        else
+        if (!plan.combine) {
             forecast.outputs << bytes;
+            continue;
+        }
+        forecast.parts += bytes;
+        // The join encodes the parts' sound once as AAC.
+        const int64_t tracks = job.settings.removeAudio ? 0 : plan.normalization->audioTracks;
+        const double duration = job.duration > 0 && std::isfinite(job.duration) ? job.duration : 0;
+        joined += bytes
+                - static_cast<int64_t>(std::llround(double((partAudioKbps - forecastAudioKbps) * tracks) * 125.0
+                                                    * duration));
     }
     if (plan.combine)
-        forecast.outputs << forecast.parts;
+        forecast.outputs << joined;
     return forecast;
 }
 

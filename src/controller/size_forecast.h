@@ -18,6 +18,9 @@ namespace tavrelune {
 // Audio that is re-encoded (always AAC at this rate), and copied audio
 // whose own bitrate the probe did not learn.
 inline constexpr int64_t forecastAudioKbps = 192;
+// A combined export's parts keep their sound uncompressed: 48 kHz, 16-bit
+// stereo per track.
+inline constexpr int64_t partAudioKbps = 1536;
 
 struct SizeForecast {
     QList<int64_t> outputs;  // each file the batch delivers, in order
@@ -28,14 +31,15 @@ struct SizeForecast {
 
 // Audio bitrate of one clip's export, for all its tracks: none without
 // audio, the probed rate (bits per second) when the source is copied and the
-// rate is known, else the re-encoding rate.
+// rate is known, the uncompressed rate for a part, else the re-encoding rate.
 int64_t forecastAudioBitrate(const ClipConversion& job, std::optional<int64_t> probedBitsPerSecond);
 
 // Bytes of one clip's export.
 int64_t forecastBytes(const ClipConversion& job, std::optional<int64_t> probedAudioBitsPerSecond);
 
-// The whole batch as it would start now. Combined: one output as large as
-// the parts together (they are joined by copying), and the parts beside it.
+// The whole batch as it would start now. Combined: one output holding the
+// parts' pictures (they are joined by copying) and their sound as AAC, and
+// the parts beside it.
 SizeForecast forecastBatch(const QList<ClipItem>& clips, const EncodeSettings& settings);
 
 // "1.4 GB", "820 MB", "2.1 MB", "12 kB" (decimal units, as file managers

@@ -44,7 +44,7 @@ TEST(SizeForecast, EachOutputIsItsBitratesTimesItsLength)
          {.codec = VideoCodec::h264, .quality = QualityPreset::small, .removeAudio = true}, {2949 * 125 * 10, 0}, 0},
         // Parts take the first clip's size; the silent one gets silence.
         {"combined", {clip(1920, 1080, 10, true, 128000), clip(640, 360, 5, false)}, {.concatenateClips = true},
-         {(13478 + 192) * 125 * 15}, (13478 + 192) * 125 * 15},
+         {(13478 + 192) * 125 * 15}, (13478 + 1536) * 125 * 15},
     };
     for (const auto& c : cases) {
         const SizeForecast forecast = forecastBatch(c.clips, c.settings);
