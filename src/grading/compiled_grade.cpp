@@ -2,6 +2,9 @@
 
 #include "grading/grade_pipeline.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace tavrelune {
 
 ColourMatrix ColourMatrix::then(const ColourMatrix& next) const
@@ -104,6 +107,11 @@ void fillCubeSteps(CubeProgram& program, const GradeValues& grade, std::int64_t 
     const double gain = grade.exposureGain();
     program.greenStride = static_cast<std::uint32_t>(size * 4);
     program.blueStride = static_cast<std::uint32_t>(size * size * 4);
+    program.size = static_cast<std::uint32_t>(size);
+    // An endless gain (only a non-finite exposure gives one) stays finite, so
+    // that black still maps to 0 and every other value to the top.
+    const double scale = (exposed ? gain : 1.0) * static_cast<double>(size - 1) / 255;
+    program.positionScale = static_cast<float>(std::min(scale, double(std::numeric_limits<float>::max())));
     const std::uint32_t strides[3] = {4, program.greenStride, program.blueStride};
     std::array<CubeStep, 256>* tables[3] = {&program.red, &program.green, &program.blue};
     for (int v = 0; v < 256; ++v) {

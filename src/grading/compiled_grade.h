@@ -59,6 +59,11 @@ struct CubeProgram {
     const float* entries = nullptr;
     std::uint32_t greenStride = 0;  // floats from one green index to the next
     std::uint32_t blueStride = 0;
+    // The tables' cells as arithmetic, for kernels that place several pixels
+    // at once: position = min(byte × positionScale, N − 1), its lower entry
+    // min(⌊position⌋, N − 2). Equal to the tables but for float rounding.
+    float positionScale = 0;
+    std::uint32_t size = 0;  // N
 };
 
 // The cube's entries with `after` applied, scaled and reordered for kernels.
