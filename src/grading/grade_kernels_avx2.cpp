@@ -48,7 +48,7 @@ struct CubeAxes {
 
 struct CubeEntries {
     const char* base;
-    std::ptrdiff_t greenBytes;
+    std::ptrdiff_t greenDifference;  // bytes from an entry to its green difference
     std::ptrdiff_t blueBytes;
 };
 
@@ -72,9 +72,10 @@ TAVRELUNE_AVX2 inline void placeEight(const std::uint8_t* pixel, int at, const C
     const AxisPlace blue = placeOnAxis(pixels, 0, axes);
     const AxisPlace green = placeOnAxis(pixels, 8, axes);
     const AxisPlace red = placeOnAxis(pixels, 16, axes);
-    // At most 64³ entries of 16 bytes, below 2^24, so exact in floats.
-    const __m256 offset = _mm256_fmadd_ps(
-        blue.lower, axes.blueBytes, _mm256_fmadd_ps(green.lower, axes.greenBytes, _mm256_mul_ps(red.lower, _mm256_set1_ps(16))));
+    // Below 8 MB (64 points) and so 2^24: exact in floats.
+    const __m256 redBytes = _mm256_mul_ps(red.lower, _mm256_set1_ps(16));
+    const __m256 offset =
+        _mm256_fmadd_ps(blue.lower, axes.blueBytes, _mm256_fmadd_ps(green.lower, axes.greenBytes, redBytes));
     _mm256_store_si256(reinterpret_cast<__m256i*>(places.offset + at), _mm256_cvtps_epi32(offset));
     _mm256_store_ps(places.green + at, green.weight);
     _mm256_store_ps(places.blue + at, blue.weight);
@@ -82,18 +83,20 @@ TAVRELUNE_AVX2 inline void placeEight(const std::uint8_t* pixel, int at, const C
 }
 
 // Both red samples of one pixel, blended along green, then blue: entries r
-// and r + 1 are adjacent, so each load holds a green/blue corner's two reds.
+// and r + 1 are adjacent, so each load holds two reds, of the entries at the
+// lower green index or of their differences to the upper one.
 TAVRELUNE_AVX2 inline __m256 redEdge(const CubeEntries& cube, const CubePlaces& places, int at)
 {
     const char* corner = cube.base + places.offset[at];
+    const char* nextBlue = corner + cube.blueBytes;
     const __m256 c00 = _mm256_loadu_ps(reinterpret_cast<const float*>(corner));
-    const __m256 c10 = _mm256_loadu_ps(reinterpret_cast<const float*>(corner + cube.greenBytes));
-    const __m256 c01 = _mm256_loadu_ps(reinterpret_cast<const float*>(corner + cube.blueBytes));
-    const __m256 c11 = _mm256_loadu_ps(reinterpret_cast<const float*>(corner + cube.greenBytes + cube.blueBytes));
+    const __m256 greenDiff0 = _mm256_loadu_ps(reinterpret_cast<const float*>(corner + cube.greenDifference));
+    const __m256 c01 = _mm256_loadu_ps(reinterpret_cast<const float*>(nextBlue));
+    const __m256 greenDiff1 = _mm256_loadu_ps(reinterpret_cast<const float*>(nextBlue + cube.greenDifference));
     const __m256 tg = _mm256_broadcast_ss(&places.green[at]);
     const __m256 tb = _mm256_broadcast_ss(&places.blue[at]);
-    const __m256 face0 = _mm256_fmadd_ps(tg, _mm256_sub_ps(c10, c00), c00);
-    const __m256 face1 = _mm256_fmadd_ps(tg, _mm256_sub_ps(c11, c01), c01);
+    const __m256 face0 = _mm256_fmadd_ps(tg, greenDiff0, c00);
+    const __m256 face1 = _mm256_fmadd_ps(tg, greenDiff1, c01);
     return _mm256_fmadd_ps(tb, _mm256_sub_ps(face1, face0), face0);
 }
 
@@ -151,11 +154,11 @@ TAVRELUNE_AVX2 void cubeRowAvx2(const std::uint8_t* in, std::uint8_t* out, int c
                                  const CubeProgram& program)
 {
     const CubeEntries cube{reinterpret_cast<const char*>(program.entries),
-                           static_cast<std::ptrdiff_t>(program.greenStride) * 4,
+                           static_cast<std::ptrdiff_t>(program.greenDifference) * 4,
                            static_cast<std::ptrdiff_t>(program.blueStride) * 4};
     const auto top = static_cast<float>(program.size - 1);
     const CubeAxes axes{_mm256_set1_ps(program.positionScale), _mm256_set1_ps(top), _mm256_set1_ps(top - 1),
-                        _mm256_set1_ps(static_cast<float>(cube.greenBytes)),
+                        _mm256_set1_ps(static_cast<float>(program.greenStride) * 4),
                         _mm256_set1_ps(static_cast<float>(cube.blueBytes))};
     const __m256i alphaMask = _mm256_set1_epi32(static_cast<int>(0xFF000000u));
     CubePlaces places;
