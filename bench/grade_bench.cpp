@@ -84,6 +84,8 @@ const GradeValues fullGrade{.exposure = 0.35, .contrast = 1.15, .saturation = 1.
 void fullGradeWithCube33(benchmark::State& state) { gradeFrames(state, fullGrade, makeLook(33)); }
 void fullGradeWithoutCube(benchmark::State& state) { gradeFrames(state, fullGrade, std::nullopt); }
 void cubeOnly33(benchmark::State& state) { gradeFrames(state, GradeValues{}, makeLook(33)); }
+// The largest cube kept: its 8 MB of prepared entries outgrow the caches.
+void cubeOnly64(benchmark::State& state) { gradeFrames(state, GradeValues{}, makeLook(64)); }
 void fullGradeWithCube33Portable(benchmark::State& state)
 {
     gradeFrames(state, fullGrade, makeLook(33), GradeFilterEngine::Kernels::portable);
@@ -146,6 +148,7 @@ void parseCube(benchmark::State& state)
 BENCHMARK(fullGradeWithCube33)->Unit(benchmark::kMillisecond);
 BENCHMARK(fullGradeWithoutCube)->Unit(benchmark::kMillisecond);
 BENCHMARK(cubeOnly33)->Unit(benchmark::kMillisecond);
+BENCHMARK(cubeOnly64)->Unit(benchmark::kMillisecond);
 BENCHMARK(fullGradeWithCube33ChangingEveryFrame)->Unit(benchmark::kMillisecond);
 BENCHMARK(fullGradeWithCube33Portable)->Unit(benchmark::kMillisecond);
 BENCHMARK(fullGradeWithoutCubePortable)->Unit(benchmark::kMillisecond);

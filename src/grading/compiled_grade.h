@@ -54,14 +54,24 @@ struct CubeProgram {
     std::array<CubeStep, 256> red;
     std::array<CubeStep, 256> green;
     std::array<CubeStep, 256> blue;
-    // Prepared entries: N³ × (blue, green, red, 0) in 0…255 units, red index
-    // fastest. Owned by the engine; valid while it keeps them.
+    // Prepared entries (blue, green, red, 0) in 0…255 units: for each blue,
+    // then green index, a row of N entries, red index fastest, followed by a
+    // row of their green differences (the entries at the next green index
+    // minus these; 0 after the last). Owned by the engine; valid while it
+    // keeps them.
     const float* entries = nullptr;
     std::uint32_t greenStride = 0;  // floats from one green index to the next
     std::uint32_t blueStride = 0;
+    std::uint32_t greenDifference = 0;  // floats from an entry to its green difference
+    // The tables' cells as arithmetic, for kernels that place several pixels
+    // at once: position = min(byte × positionScale, N − 1), its lower entry
+    // min(⌊position⌋, N − 2). Equal to the tables but for float rounding.
+    float positionScale = 0;
+    std::uint32_t size = 0;  // N
 };
 
-// The cube's entries with `after` applied, scaled and reordered for kernels.
+// The cube's entries with `after` applied, scaled, reordered and with their
+// green differences, as CubeProgram::entries holds them.
 std::vector<float> prepareCube(const CubeLUT& lut, const ColourMatrix& after);
 
 // Fills the three input tables for an N-point cube and the grade's exposure.

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <random>
 
 namespace tavrelune {
@@ -100,6 +101,34 @@ TEST_P(GradeFilterEngineAgreement, RandomGradesWithAndWithoutCubes)
             const GradeValues grade = round ? randomGrade(random) : GradeValues{};  // neutral first
             SCOPED_TRACE(describe(grade, lut) + (round % 2 ? " in place" : ""));
             ASSERT_LE(differenceFromReference(engine, source, grade, lut, round % 2), 1);
+        }
+    }
+}
+
+// Every byte value on each channel beside black, mid-grey and white in the
+// others, in rows longer than the vector kernel's runs: lattice points, the
+// top cell, and exposures that push values past either end of the cube.
+TEST_P(GradeFilterEngineAgreement, EveryByteValueThroughCubes)
+{
+    std::mt19937 random(11);
+    TestImage source(256 + 7, 9);
+    for (int y = 0; y < source.height; ++y) {
+        for (int x = 0; x < source.width; ++x) {
+            std::uint8_t* pixel = &source.bytes[y * source.stride + x * 4];
+            for (int channel = 0; channel < 3; ++channel)
+                pixel[channel] = static_cast<std::uint8_t>(channel == y % 3 ? x : std::min(y / 3 * 128, 255));
+            pixel[3] = static_cast<std::uint8_t>(x * 7);
+        }
+    }
+    const double endless = std::numeric_limits<double>::infinity();
+    GradeFilterEngine engine(GetParam());
+    for (const std::int64_t size : {2, 5, 33, 64}) {
+        const std::optional<CubeLUT> lut = randomCube(random, size);
+        int round = 0;
+        for (const double exposure : {0.0, 0.25, -0.6, 3.0, -3.0, 9.0, endless, -endless}) {
+            const GradeValues grade{.exposure = exposure, .contrast = 1.2};
+            SCOPED_TRACE(describe(grade, lut));
+            ASSERT_LE(differenceFromReference(engine, source, grade, lut, ++round % 2), 1);
         }
     }
 }
