@@ -20,6 +20,7 @@
 #include <QImage>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QWheelEvent>
 
 using namespace tavrelune;
 using namespace tavrelune::test;
@@ -194,4 +195,39 @@ TEST_F(InspectorTest, WhileConvertingOnlyScrollingAndTheFolderTextStayEnabled)
     EXPECT_TRUE(inspector().verticalScrollBar()->isEnabled());
     stopConverting();
     EXPECT_TRUE(convert.isEnabled());
+}
+
+TEST_F(InspectorTest, ConvertStaysInReachAndTheWheelScrollsPastUnfocusedControls)
+{
+    addClips(2);
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    window->resize(window->minimumSizeHint());
+    QTRY_COMPARE(window->size(), window->minimumSizeHint());
+    QWidget& convert = *inspector().convertButton();
+    const QRect shown(convert.mapTo(window.get(), QPoint(0, 0)), convert.size());
+    EXPECT_TRUE(convert.isVisible());
+    EXPECT_TRUE(window->rect().contains(shown)) << "Convert is cut off at the smallest window";
+
+    QScrollBar& scroll = *inspector().verticalScrollBar();
+    ASSERT_GT(scroll.maximum(), 0) << "the cards should scroll at this size";
+    scroll.setValue(scroll.maximum() / 2);
+    QComboBox& quality = *exportCard().qualityPicker();
+    inspector().ensureWidgetVisible(&quality);
+    window->setFocus();
+    const QualityPreset before = model->settings().quality;
+    const int scrolledTo = scroll.value();
+    const QPoint over = quality.rect().center();
+    for (int turn = 0; turn < 2; ++turn) {
+        QWheelEvent wheel(over, quality.mapToGlobal(over), {}, {0, -120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&quality, &wheel);
+    }
+    EXPECT_EQ(model->settings().quality, before) << "the wheel changed a list it only passed over";
+    EXPECT_GT(scroll.value(), scrolledTo) << "the wheel should scroll the cards";
+
+    quality.setFocus();
+    ASSERT_TRUE(quality.hasFocus());
+    QWheelEvent wheel(over, quality.mapToGlobal(over), {}, {0, -120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&quality, &wheel);
+    EXPECT_NE(model->settings().quality, before) << "a focused list still takes the wheel";
 }
