@@ -18,6 +18,8 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QImage>
+#include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -67,6 +69,30 @@ TEST_F(InspectorTest, PerClipSlidersShowTheLiveGradeAndStoreItWhenADragEnds)
     EXPECT_EQ(gradeRows()[0]->valueText(), "+0.00 EV");
     EXPECT_NEAR(gradeRows()[0]->slider()->value(), 0, 0.001) << "an idle knob follows outside values";
     EXPECT_DOUBLE_EQ(clipAt(0).temperature, 0);
+}
+
+TEST_F(InspectorTest, ATypedValueIsStoredAndEscapeKeepsTheValue)
+{
+    addClips(1);
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    ui::SliderRow& exposure = *gradeRows()[0];
+    inspector().ensureWidgetVisible(&exposure);
+    const auto type = [&](const QString& text, Qt::Key end) {
+        QLabel* value = exposure.findChildren<QLabel*>().last();
+        QTest::mouseDClick(value, Qt::LeftButton);
+        ASSERT_TRUE(exposure.valueEditor()->hasFocus());
+        exposure.valueEditor()->setText(text);
+        QTest::keyClick(exposure.valueEditor(), end);
+    };
+    type("+0.35 EV", Qt::Key_Return);
+    EXPECT_DOUBLE_EQ(clipAt(0).exposure, 0.35);
+    EXPECT_EQ(exposure.valueText(), "+0.35 EV");
+    type("9", Qt::Key_Return);
+    EXPECT_DOUBLE_EQ(clipAt(0).exposure, 3) << "clamped to the slider's end";
+    type("-1", Qt::Key_Escape);
+    EXPECT_DOUBLE_EQ(clipAt(0).exposure, 3);
+    EXPECT_FALSE(exposure.valueEditor()->isVisible());
 }
 
 TEST_F(InspectorTest, LutAndWatermarkRowsShowTheChosenFiles)
