@@ -1,5 +1,6 @@
 #include "ui/clip_row_delegate.h"
 
+#include "ui/time_display.h"
 #include "controller/app_model.h"
 #include "model/delivery_conversion.h"
 #include "ui/appearance.h"
@@ -43,9 +44,12 @@ struct ClipRowDelegate::Lines {
     bool progress = false;
 };
 
-ClipRowDelegate::ClipRowDelegate(QListView* view) : QStyledItemDelegate(view), view_(view)
+ClipRowDelegate::ClipRowDelegate(QListView* view, const TimeDisplay* times)
+    : QStyledItemDelegate(view), view_(view), times_(times)
 {
     clock_.start();
+    if (times_)
+        connect(times_, &TimeDisplay::changed, view_->viewport(), qOverload<>(&QWidget::update));
 }
 
 ClipRowDelegate::Lines ClipRowDelegate::linesFor(const ClipItem& clip, const QFont& base, int width) const
@@ -146,7 +150,7 @@ void ClipRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
             .paint(painter, QRect(x, y + (captionHeight - side) / 2, side, side));
         x += side + itemGap;
     }
-    QStringList items{clip.durationLabel()};
+    QStringList items{durationText(clip, styleOf(times_))};
     if (const QString resolution = clip.resolutionLabel(); !resolution.isEmpty())
         items << resolution;
     if (const QString conversion = deliveryConversionLabel(deliveryConversionFor(clip.color)); !conversion.isEmpty())

@@ -17,10 +17,12 @@ struct ClipItem;
 
 namespace tavrelune::ui {
 
+class TimeDisplay;
+
 class ClipRowDelegate : public QStyledItemDelegate {
     Q_OBJECT
 public:
-    explicit ClipRowDelegate(QListView* view);
+    explicit ClipRowDelegate(QListView* view, const TimeDisplay* times = nullptr);
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
@@ -39,6 +41,7 @@ private:
     Lines linesFor(const ClipItem& clip, const QFont& base, int width) const;
 
     QListView* view_;
+    const TimeDisplay* times_;
     QElapsedTimer clock_;  // drives the spinner
 };
 
