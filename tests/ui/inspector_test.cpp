@@ -128,7 +128,8 @@ TEST_F(InspectorTest, HintAndConvertButtonFollowTheClipsAndSettings)
 {
     const QString copied = "Encoding with x265 (software). Audio is copied when possible.";
     const QString stripped = "Encoding with x265 (software). Audio is stripped from the export.";
-    const QString joined = QString("Clips are scaled to the first clip") + QChar(0x2019) + "s size and joined in list order.";
+    const QString joined = QString("Clips are scaled to the first clip") + QChar(0x2019)
+                           + "s size and joined in list order. Encoding with x265 (software).";
     const struct {
         int clips;
         bool combine;
