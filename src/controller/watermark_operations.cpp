@@ -18,9 +18,11 @@ double AppModel::watermarkImageAspect() const
 
 void AppModel::setWatermark(const QUrl& url)
 {
-    auto image = WatermarkImage::load(url.toLocalFile());
+    QString reason;
+    auto image = WatermarkImage::load(url.toLocalFile(), &reason);
     if (!image) {
-        setErrorMessage(QStringLiteral("Could not read that watermark. Use a PNG or SVG with transparency."));
+        setErrorMessage(
+            QStringLiteral("Could not read that watermark: %1. Use a PNG or SVG with transparency.").arg(reason));
         return;
     }
     watermarkImage_ = std::move(image);
@@ -128,9 +130,10 @@ WatermarkOverlay AppModel::preparedWatermarkOverlay()
     const QString target = QDir(workspace_).filePath("active-watermark.png");
     if (!(stagedWatermark_ == target && QFile::exists(target))) {
         const QString source = watermark_.url->toLocalFile();
-        const auto image = WatermarkImage::load(source);
+        QString reason;
+        const auto image = WatermarkImage::load(source, &reason);
         if (!image)
-            throw FFmpegError::conversionFailed(QStringLiteral("Could not read the watermark image."));
+            throw FFmpegError::conversionFailed(QStringLiteral("Could not read the watermark image: %1.").arg(reason));
         const auto png = image->pngData(image->rasterPixelSize(source));
         if (!png)
             throw FFmpegError::conversionFailed(QStringLiteral("Could not prepare the watermark as PNG."));

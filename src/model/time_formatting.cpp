@@ -1,5 +1,6 @@
 #include "model/time_formatting.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -31,6 +32,32 @@ QString clock(double seconds, bool tenths)
                              static_cast<long long>((t / 600) % 60),
                              static_cast<long long>((t / 10) % 60),
                              static_cast<long long>(t % 10));
+}
+
+QString timecode(double seconds, double fps)
+{
+    if (!(fps > 0) || !std::isfinite(fps))
+        return clock(seconds, true);
+    const double s = std::min(seconds >= 0 ? seconds : 0.0, largestShownSeconds / 1000);
+    // The frame showing: a time a hair before a frame's start still shows it.
+    auto frame = static_cast<int64_t>(std::floor(s * fps + 1e-6));
+    const auto base = std::max<int64_t>(1, std::llround(fps));
+    const bool dropFrame = std::abs(fps * 1.001 - double(base)) < 0.01 && base % 30 == 0;
+    if (dropFrame) {
+        // Labels ;00 and ;01 (;00–;03 at 59.94) are skipped at every minute
+        // except each tenth, so the label keeps to the clock.
+        const int64_t dropped = base / 15;
+        const int64_t perTenMinutes = base * 600 - dropped * 9;
+        const int64_t perMinute = base * 60 - dropped;
+        const int64_t tens = frame / perTenMinutes;
+        const int64_t rest = frame % perTenMinutes;
+        frame += dropped * 9 * tens + (rest > dropped ? dropped * ((rest - dropped) / perMinute) : 0);
+    }
+    const int64_t totalSeconds = frame / base;
+    return QString::asprintf("%02lld:%02lld:%02lld%c%02lld", static_cast<long long>(totalSeconds / 3600),
+                             static_cast<long long>((totalSeconds / 60) % 60),
+                             static_cast<long long>(totalSeconds % 60), dropFrame ? ';' : ':',
+                             static_cast<long long>(frame % base));
 }
 
 }  // namespace tavrelune::TimeFormatting

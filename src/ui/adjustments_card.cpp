@@ -23,6 +23,8 @@ struct GradeSlider {
     double maximum;
     SliderRow::Format format;
     void (LiveGrade::*set)(double);
+    double step;  // one arrow-key press
+    double neutral;
 };
 
 QString times(double value) { return QString::asprintf("%.2f", value) + QChar(0x00D7); }
@@ -31,11 +33,11 @@ const std::array<GradeSlider, 4>& gradeSliders()
 {
     static const std::array<GradeSlider, 4> sliders{{
         {"Exposure", exposureRange.minimum, exposureRange.maximum,
-         [](double v) { return QString::asprintf("%+.2f EV", v); }, &LiveGrade::setExposure},
-        {"Contrast", contrastRange.minimum, contrastRange.maximum, times, &LiveGrade::setContrast},
-        {"Saturation", saturationRange.minimum, saturationRange.maximum, times, &LiveGrade::setSaturation},
+         [](double v) { return QString::asprintf("%+.2f EV", v); }, &LiveGrade::setExposure, 0.05, 0},
+        {"Contrast", contrastRange.minimum, contrastRange.maximum, times, &LiveGrade::setContrast, 0.01, 1},
+        {"Saturation", saturationRange.minimum, saturationRange.maximum, times, &LiveGrade::setSaturation, 0.01, 1},
         {"White balance", temperatureRange.minimum, temperatureRange.maximum,
-         [](double v) { return QString::asprintf("%+.0f", v); }, &LiveGrade::setTemperature},
+         [](double v) { return QString::asprintf("%+.0f", v); }, &LiveGrade::setTemperature, 1, 0},
     }};
     return sliders;
 }
@@ -75,6 +77,8 @@ AdjustmentsCard::AdjustmentsCard(AppModel& model, QWidget* parent)
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         const GradeSlider& spec = gradeSliders()[i];
         rows_[i] = new SliderRow(QString::fromLatin1(spec.title), spec.minimum, spec.maximum, spec.format);
+        rows_[i]->slider()->setStep(spec.step);
+        rows_[i]->slider()->setDefaultValue(spec.neutral);
         controlColumn->addWidget(rows_[i]);
         const auto set = spec.set;
         connect(rows_[i]->slider(), &LiveSlider::valueEdited, this, [this, set](double value) {

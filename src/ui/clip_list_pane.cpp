@@ -1,5 +1,6 @@
 #include "ui/clip_list_pane.h"
 
+#include "ui/time_display.h"
 #include "controller/app_model.h"
 #include "ui/appearance.h"
 #include "ui/clip_list_model.h"
@@ -23,7 +24,8 @@
 
 namespace tavrelune::ui {
 
-ClipListPane::ClipListPane(AppModel& model, QWidget* parent) : QWidget(parent), model_(model)
+ClipListPane::ClipListPane(AppModel& model, const TimeDisplay* times, QWidget* parent)
+    : QWidget(parent), model_(model)
 {
     setObjectName(QStringLiteral("clipListPane"));
     setBackgroundRole(QPalette::Base);
@@ -34,7 +36,7 @@ ClipListPane::ClipListPane(AppModel& model, QWidget* parent) : QWidget(parent), 
     list_ = new QListView;
     list_->setObjectName(QStringLiteral("clipList"));
     list_->setModel(listModel_);
-    list_->setItemDelegate(new ClipRowDelegate(list_));
+    list_->setItemDelegate(new ClipRowDelegate(list_, times));
     list_->setFrameShape(QFrame::NoFrame);
     list_->setSelectionMode(QAbstractItemView::SingleSelection);
     list_->setResizeMode(QListView::Adjust);

@@ -29,12 +29,13 @@ class AppModel;
 namespace tavrelune::ui {
 
 class ClipListModel;
+class TimeDisplay;
 class DropOutline;
 
 class ClipListPane : public QWidget {
     Q_OBJECT
 public:
-    explicit ClipListPane(AppModel& model, QWidget* parent = nullptr);
+    explicit ClipListPane(AppModel& model, const TimeDisplay* times = nullptr, QWidget* parent = nullptr);
     ~ClipListPane() override;
 
     // The menu a right click on this clip's row opens.

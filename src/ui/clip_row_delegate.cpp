@@ -1,5 +1,6 @@
 #include "ui/clip_row_delegate.h"
 
+#include "ui/time_display.h"
 #include "controller/app_model.h"
 #include "model/delivery_conversion.h"
 #include "ui/appearance.h"
@@ -11,7 +12,9 @@
 #include <QListView>
 #include <QPainter>
 #include <QPainterPath>
+#include <QHelpEvent>
 #include <QTextLayout>
+#include <QToolTip>
 
 namespace tavrelune::ui {
 
@@ -43,9 +46,12 @@ struct ClipRowDelegate::Lines {
     bool progress = false;
 };
 
-ClipRowDelegate::ClipRowDelegate(QListView* view) : QStyledItemDelegate(view), view_(view)
+ClipRowDelegate::ClipRowDelegate(QListView* view, const TimeDisplay* times)
+    : QStyledItemDelegate(view), view_(view), times_(times)
 {
     clock_.start();
+    if (times_)
+        connect(times_, &TimeDisplay::changed, view_->viewport(), qOverload<>(&QWidget::update));
 }
 
 ClipRowDelegate::Lines ClipRowDelegate::linesFor(const ClipItem& clip, const QFont& base, int width) const
@@ -60,6 +66,48 @@ ClipRowDelegate::Lines ClipRowDelegate::linesFor(const ClipItem& clip, const QFo
     else if (clip.readError)
         lines.errorLines = wrappedError(*clip.readError, lines.errorFont, std::max(40, width));
     return lines;
+}
+
+QStringList ClipRowDelegate::captionItems(const ClipItem& clip) const
+{
+    QStringList items{durationText(clip, styleOf(times_))};
+    if (const QString resolution = clip.resolutionLabel(); !resolution.isEmpty())
+        items << resolution;
+    if (const QString conversion = deliveryConversionLabel(deliveryConversionFor(clip.color)); !conversion.isEmpty())
+        items << conversion;
+    if (carriesGrade(clip))
+        items << adjustmentLabel(clip);
+    items.removeAll(QString());
+    return items;
+}
+
+QString ClipRowDelegate::cutText(const ClipItem& clip, const QFont& base, int rowWidth) const
+{
+    const Lines lines = linesFor(clip, base, 0);
+    const int width = rowWidth - 2 * (insetX + paddingX);
+    const QStringList items = captionItems(clip);
+    const QFontMetrics caption(lines.captionFont);
+    int needed = clip.isTrimmed() ? std::min(12, caption.height()) + itemGap : 0;
+    for (const QString& item : items)
+        needed += caption.horizontalAdvance(item) + itemGap;
+    const int nameRoom = width - (clip.status != ClipStatus::ready ? statusIconSize + itemGap : 0);
+    if (needed - itemGap <= width && QFontMetrics(lines.nameFont).horizontalAdvance(clip.name) <= nameRoom)
+        return {};
+    return clip.name + QLatin1Char('\n') + items.join(QStringLiteral(" \u00B7 "));
+}
+
+bool ClipRowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                                const QModelIndex& index)
+{
+    if (event->type() != QEvent::ToolTip || !index.isValid())
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    const auto clip = index.data(ClipListModel::ClipRole).value<ClipItem>();
+    const QString full = cutText(clip, option.font, option.rect.width());
+    if (full.isEmpty())
+        QToolTip::hideText();
+    else
+        QToolTip::showText(event->globalPos(), full, view);
+    return true;
 }
 
 QSize ClipRowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
@@ -146,14 +194,7 @@ void ClipRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
             .paint(painter, QRect(x, y + (captionHeight - side) / 2, side, side));
         x += side + itemGap;
     }
-    QStringList items{clip.durationLabel()};
-    if (const QString resolution = clip.resolutionLabel(); !resolution.isEmpty())
-        items << resolution;
-    if (const QString conversion = deliveryConversionLabel(deliveryConversionFor(clip.color)); !conversion.isEmpty())
-        items << conversion;
-    if (carriesGrade(clip))
-        items << adjustmentLabel(clip);
-    for (const QString& item : items) {
+    for (const QString& item : captionItems(clip)) {
         const int room = content.right() + 1 - x;
         if (room <= 0 || item.isEmpty())
             continue;

@@ -17,13 +17,20 @@ struct ClipItem;
 
 namespace tavrelune::ui {
 
+class TimeDisplay;
+
 class ClipRowDelegate : public QStyledItemDelegate {
     Q_OBJECT
 public:
-    explicit ClipRowDelegate(QListView* view);
+    explicit ClipRowDelegate(QListView* view, const TimeDisplay* times = nullptr);
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    // A row whose name or caption is cut shows them whole in its tooltip.
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override;
+    // The tooltip's text for a row `rowWidth` wide: empty when nothing is cut.
+    QString cutText(const ClipItem& clip, const QFont& base, int rowWidth) const;
 
     // Geometry, shared by painting and size.
     static constexpr int insetX = 8;      // selection inset from the view's edges
@@ -37,8 +44,10 @@ public:
 private:
     struct Lines;
     Lines linesFor(const ClipItem& clip, const QFont& base, int width) const;
+    QStringList captionItems(const ClipItem& clip) const;
 
     QListView* view_;
+    const TimeDisplay* times_;
     QElapsedTimer clock_;  // drives the spinner
 };
 

@@ -13,6 +13,16 @@ bool carriesGrade(const ClipItem& clip)
            || std::abs(clip.saturation - 1) >= 0.0005 || std::abs(clip.temperature) >= 0.5;
 }
 
+QString durationText(const ClipItem& clip, TimeStyle style)
+{
+    if (!style.timecode || !clip.fps || !clip.duration || !(*clip.duration > 0))
+        return clip.durationLabel();
+    const QString whole = style.text(*clip.duration, clip.fps);
+    if (const auto kept = clip.trimmedDuration(); kept && clip.isTrimmed())
+        return style.text(*kept, clip.fps) + QStringLiteral(" / ") + whole;
+    return whole;
+}
+
 QString adjustmentLabel(const ClipItem& clip)
 {
     const QChar times(0x00D7);

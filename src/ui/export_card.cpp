@@ -104,9 +104,9 @@ void ExportCard::addOption(QWidget* option)
 
 QString ExportCard::hintText(const EncodeSettings& settings, qsizetype clipCount, const QString& encoderLabel)
 {
-    if (settings.concatenateClips && clipCount > 1)
-        return QStringLiteral("Clips are scaled to the first clip\u2019s size and joined in list order.");
     const QString encoding = QStringLiteral("Encoding with %1.").arg(encoderLabel);
+    if (settings.concatenateClips && clipCount > 1)
+        return QStringLiteral("Clips are scaled to the first clip\u2019s size and joined in list order. ") + encoding;
     if (settings.removeAudio)
         return encoding + QStringLiteral(" Audio is stripped from the export.");
     return encoding + QStringLiteral(" Audio is copied when possible.");

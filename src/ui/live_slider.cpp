@@ -1,8 +1,10 @@
 #include "ui/live_slider.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStyle>
 #include <QStyleOptionSlider>
+#include <algorithm>
 #include <cmath>
 
 namespace tavrelune::ui {
@@ -53,6 +55,61 @@ void LiveSlider::setRange(double minimum, double maximum)
     settingFromOutside_ = true;
     QSlider::setValue(positionFor(current));
     settingFromOutside_ = false;
+}
+
+void LiveSlider::setStep(double unit)
+{
+    if (unit > 0)
+        unit_ = unit;
+}
+
+void LiveSlider::editTo(double value)
+{
+    if (tracking_ || std::isnan(value))
+        return;
+    // The value itself is reported, not the knob position nearest to it, so
+    // a typed 0.35 or a neutral 1.0 arrives exactly.
+    const double target = std::clamp(value, minimum_, maximum_);
+    settingFromOutside_ = true;
+    QSlider::setValue(positionFor(target));
+    settingFromOutside_ = false;
+    Q_EMIT editingChanged(true);
+    Q_EMIT valueEdited(target);
+    Q_EMIT editingChanged(false);
+}
+
+std::optional<double> LiveSlider::stepTarget(int key) const
+{
+    int units = 0;
+    switch (key) {
+    case Qt::Key_Left:
+    case Qt::Key_Down: units = -1; break;
+    case Qt::Key_Right:
+    case Qt::Key_Up: units = 1; break;
+    case Qt::Key_PageDown: units = -10; break;
+    case Qt::Key_PageUp: units = 10; break;
+    default: return std::nullopt;
+    }
+    // Steps land on the unit's grid (0.05 EV: 0.10, 0.15, …) whatever the
+    // knob's position rounding left behind.
+    const double moved = std::round((value() + units * *unit_) / *unit_) * *unit_;
+    return std::clamp(moved, minimum_, maximum_);
+}
+
+void LiveSlider::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    // The press before it began a drag; it ends here, and this click puts
+    // the control back where it starts out.
+    if (event->button() == Qt::LeftButton && defaultValue_) {
+        if (tracking_) {
+            setSliderDown(false);
+            endTracking();
+        }
+        editTo(*defaultValue_);
+        event->accept();
+        return;
+    }
+    QSlider::mouseDoubleClickEvent(event);
 }
 
 void LiveSlider::reportPosition(int position)
@@ -125,10 +182,19 @@ void LiveSlider::endTracking()
 // Keys and the wheel make single steps: each is reported as a whole edit.
 void LiveSlider::keyPressEvent(QKeyEvent* event)
 {
-    if (tracking_)
+    if (tracking_) {
         QSlider::keyPressEvent(event);
-    else
-        moveAsOneEdit([this, event] { QSlider::keyPressEvent(event); });
+        return;
+    }
+    if (unit_) {
+        if (const std::optional<double> target = stepTarget(event->key())) {
+            if (std::abs(*target - value()) > 1e-9)
+                editTo(*target);
+            event->accept();
+            return;
+        }
+    }
+    moveAsOneEdit([this, event] { QSlider::keyPressEvent(event); });
 }
 
 void LiveSlider::wheelEvent(QWheelEvent* event)

@@ -2,6 +2,7 @@
 
 #include "controller/version_text.h"
 #include "controller/app_model.h"
+#include "ui/time_display.h"
 
 #include <QMainWindow>
 #include <QMenuBar>
@@ -22,7 +23,8 @@ QAction* addItem(QMenu* menu, const QString& title, const QKeySequence& shortcut
 
 }  // namespace
 
-MainMenus::MainMenus(AppModel& model, QMainWindow& window) : QObject(&window), model_(model), window_(window)
+MainMenus::MainMenus(AppModel& model, QMainWindow& window, TimeDisplay& times)
+    : QObject(&window), model_(model), window_(window)
 {
     const QString ellipsis(QChar(0x2026));
     QMenuBar* bar = window_.menuBar();
@@ -41,6 +43,11 @@ MainMenus::MainMenus(AppModel& model, QMainWindow& window) : QObject(&window), m
     QMenu* preview = bar->addMenu(QStringLiteral("&Preview"));
     playPause_ = addItem(preview, QStringLiteral("Play"));
     playAll_ = addItem(preview, QStringLiteral("Play All"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
+    preview->addSeparator();
+    showTimecode_ = addItem(preview, QStringLiteral("Show Timecode"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T));
+    showTimecode_->setCheckable(true);
+    showTimecode_->setChecked(times.style().timecode);
+    connect(showTimecode_, &QAction::toggled, &times, &TimeDisplay::setTimecode);
 
     QMenu* exportMenu = bar->addMenu(QStringLiteral("&Export"));
     convertAll_ = addItem(exportMenu, QStringLiteral("Convert All"), QKeySequence(Qt::CTRL | Qt::Key_R));

@@ -18,10 +18,12 @@ class AppModel;
 
 namespace tavrelune::ui {
 
+class TimeDisplay;
+
 class MainMenus : public QObject {
     Q_OBJECT
 public:
-    MainMenus(AppModel& model, QMainWindow& window);
+    MainMenus(AppModel& model, QMainWindow& window, TimeDisplay& times);
 
     QAction* addClips() const { return addClips_; }
     QAction* chooseLUT() const { return chooseLUT_; }
@@ -30,6 +32,7 @@ public:
     QAction* setInOut() const { return setInOut_; }
     QAction* playPause() const { return playPause_; }
     QAction* playAll() const { return playAll_; }
+    QAction* showTimecode() const { return showTimecode_; }
     QAction* convertAll() const { return convertAll_; }
     QAction* stop() const { return stop_; }
     QAction* about() const { return about_; }
@@ -49,6 +52,7 @@ private:
     QAction* setInOut_;
     QAction* playPause_;
     QAction* playAll_;
+    QAction* showTimecode_;
     QAction* convertAll_;
     QAction* stop_;
     QAction* about_;

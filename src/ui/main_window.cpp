@@ -13,6 +13,9 @@
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QMessageBox>
+#include <QPushButton>
+#include <QScreen>
+#include <algorithm>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QSplitter>
@@ -45,8 +48,8 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent) : QMainWindow(parent), 
     setWindowTitle(QStringLiteral("Tavrelune"));
     setAcceptDrops(true);
 
-    clipList_ = new ClipListPane(model_);
-    preview_ = new PreviewPane(model_);
+    clipList_ = new ClipListPane(model_, &timeDisplay_);
+    preview_ = new PreviewPane(model_, &timeDisplay_);
     inspector_ = new Inspector(model_);
     constrain(clipList_, clipListWidths);
     constrain(preview_, previewWidths);
@@ -76,7 +79,7 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent) : QMainWindow(parent), 
     column->addWidget(statusRow_);
     setCentralWidget(content);
 
-    menus_ = new MainMenus(model_, *this);
+    menus_ = new MainMenus(model_, *this, timeDisplay_);
     errorAlert_ = new ErrorAlert(model_, *this);
     connect(&model_, &AppModel::trimWindowTokenChanged, this, &MainWindow::openTrimWindow);
     resize(defaultSize.width(), defaultSize.height() + menuBar()->sizeHint().height());
@@ -86,9 +89,29 @@ MainWindow::~MainWindow() = default;
 
 void MainWindow::openTrimWindow()
 {
-    if (!trimWindow_)
-        trimWindow_ = new TrimWindow(model_, this);
+    if (!trimWindow_) {
+        trimWindow_ = new TrimWindow(model_, this, &timeDisplay_);
+        trimWindow_->setGeometry(trimWindowPlace(trimWindow_->size()));
+    }
     trimWindow_->present();
+}
+
+QRect MainWindow::trimWindowPlace(QSize size) const
+{
+    const QRect main = frameGeometry();
+    const QRect screen = (this->screen() ? this->screen()->availableGeometry() : main.adjusted(-size.width(), 0, 0, 0));
+    const int top = std::clamp(main.top(), screen.top(), std::max(screen.top(), screen.bottom() + 1 - size.height()));
+    const QRect right(QPoint(main.right() + 1, top), size);
+    if (screen.contains(right))
+        return right;
+    const QRect left(QPoint(main.left() - size.width(), top), size);
+    if (screen.contains(left))
+        return left;
+    // No room beside: over the right-hand panes, leaving the list in sight.
+    const int listRight = clipList_->mapTo(this, QPoint(clipList_->width(), 0)).x() + geometry().left();
+    const int x = std::clamp(std::max(listRight, screen.right() + 1 - size.width()), screen.left(),
+                             std::max(screen.left(), screen.right() + 1 - size.width()));
+    return {QPoint(x, top), size};
 }
 
 // Files dropped anywhere the panes do not take them themselves.
@@ -107,12 +130,20 @@ void MainWindow::dropEvent(QDropEvent* event)
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     if (model_.isConverting()) {
-        const auto answer = QMessageBox::question(
-            this, QStringLiteral("Quit Tavrelune?"),
-            QStringLiteral("A conversion is running. Quitting stops it; clips already converted "
-                           "are kept, the one being converted is not."),
-            QMessageBox::Cancel | QMessageBox::Close, QMessageBox::Cancel);
-        if (answer != QMessageBox::Close) {
+        const QString whatHappens =
+            model_.settings().concatenateClips && model_.clips().size() > 1
+                ? QStringLiteral("A combined export is running. Quitting stops it; no video is written, "
+                                 "and the parts made so far are removed.")
+                : QStringLiteral("A conversion is running. Quitting stops it; clips already converted "
+                                 "are kept, the one being converted is not.");
+        QMessageBox box(QMessageBox::Question, QStringLiteral("Quit Tavrelune?"), whatHappens, QMessageBox::NoButton,
+                        this);
+        QPushButton* quit = box.addButton(QStringLiteral("Stop and Quit"), QMessageBox::DestructiveRole);
+        QPushButton* keep = box.addButton(QStringLiteral("Keep Converting"), QMessageBox::RejectRole);
+        box.setDefaultButton(keep);
+        box.setEscapeButton(keep);
+        box.exec();
+        if (box.clickedButton() != quit) {
             event->ignore();
             return;
         }

@@ -8,6 +8,7 @@
 #pragma once
 
 #include "ui/preview_pane.h"
+#include "ui/time_display.h"
 #include "ui/trim_window.h"
 
 #include <QMainWindow>
@@ -45,6 +46,11 @@ public:
     QSplitter* splitter() const { return splitter_; }
     // The "In & Out" window once it has been asked for, else null.
     TrimWindow* trimWindow() const { return trimWindow_; }
+    TimeDisplay& timeDisplay() { return timeDisplay_; }
+    // Where the "In & Out" window of `size` opens: beside this window on
+    // its screen (right, else left), else over the preview and inspector,
+    // never over the clip list.
+    QRect trimWindowPlace(QSize size) const;
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -55,6 +61,7 @@ private:
     void openTrimWindow();
 
     AppModel& model_;
+    TimeDisplay timeDisplay_;
     QSplitter* splitter_;
     ClipListPane* clipList_;
     PreviewPane* preview_;

@@ -32,7 +32,8 @@ QPushButton* transportButton(const QString& name, int iconSize)
 
 }  // namespace
 
-PlaybackBar::PlaybackBar(AppModel& model, QWidget* parent) : QWidget(parent), model_(model)
+PlaybackBar::PlaybackBar(AppModel& model, const TimeDisplay* times, QWidget* parent)
+    : QWidget(parent), model_(model), times_(times)
 {
     setObjectName(QStringLiteral("playbackBar"));
     play_ = transportButton(QStringLiteral("playButton"), 18);
@@ -101,6 +102,8 @@ PlaybackBar::PlaybackBar(AppModel& model, QWidget* parent) : QWidget(parent), mo
     connect(&model_, &AppModel::selectedClipIDChanged, this, &PlaybackBar::follow);
     connect(&model_, &AppModel::isConvertingChanged, this, &PlaybackBar::follow);
     connect(&model_, &AppModel::isPlayingAllChanged, this, &PlaybackBar::follow);
+    if (times_)
+        connect(times_, &TimeDisplay::changed, this, &PlaybackBar::follow);
     follow();
 }
 
@@ -112,21 +115,21 @@ double PlaybackBar::timelineLength(const std::optional<ClipItem>& clip)
     return std::isfinite(length) ? length : 0;
 }
 
-QString PlaybackBar::timeLabel(const std::optional<ClipItem>& clip, double playhead)
+QString PlaybackBar::timeLabel(const std::optional<ClipItem>& clip, double playhead, TimeStyle style)
 {
     const double length = timelineLength(clip);
     if (!(length > 0))
         return QStringLiteral("\u2014");
     const double position = std::max(playhead - clip->effectiveInPoint(), 0.0);
-    return TimeFormatting::clock(position, true) + QStringLiteral(" / ") + TimeFormatting::clock(length, true);
+    return style.text(position, clip->fps) + QStringLiteral(" / ") + style.text(length, clip->fps);
 }
 
-QString PlaybackBar::trimText(const std::optional<ClipItem>& clip)
+QString PlaybackBar::trimText(const std::optional<ClipItem>& clip, TimeStyle style)
 {
     if (!clip || !clip->isTrimmed())
         return QStringLiteral("Full clip");
-    return TimeFormatting::clock(clip->effectiveInPoint(), true) + QStringLiteral(" \u2013 ")
-         + TimeFormatting::clock(clip->effectiveOutPoint(), true);
+    return style.text(clip->effectiveInPoint(), clip->fps) + QStringLiteral(" \u2013 ")
+         + style.text(clip->effectiveOutPoint(), clip->fps);
 }
 
 QString PlaybackBar::playHelp(const PreviewClock& clock)
@@ -178,7 +181,7 @@ void PlaybackBar::follow()
     timeline_->setRange(0, std::max(length, 0.0));
     timeline_->setEnabled(length > 0 && !converting);
     trim_->setEnabled(clip.has_value() && !converting);
-    trimLabel_->setText(trimText(clip));
+    trimLabel_->setText(trimText(clip, styleOf(times_)));
     followPlayhead();
 }
 
@@ -187,7 +190,7 @@ void PlaybackBar::followPlayhead()
     const std::optional<ClipItem> clip = model_.selectedClip();
     const double seconds = model_.clock().seconds();
     timeline_->setValue(clip ? std::max(seconds - clip->effectiveInPoint(), 0.0) : 0.0);
-    time_->setText(timeLabel(clip, seconds));
+    time_->setText(timeLabel(clip, seconds, styleOf(times_)));
 }
 
 }  // namespace tavrelune::ui

@@ -10,6 +10,7 @@
 #pragma once
 
 #include "model/clip_item.h"
+#include "ui/time_display.h"
 
 #include <QWidget>
 #include <optional>
@@ -29,15 +30,15 @@ class LiveSlider;
 class PlaybackBar : public QWidget {
     Q_OBJECT
 public:
-    explicit PlaybackBar(AppModel& model, QWidget* parent = nullptr);
+    explicit PlaybackBar(AppModel& model, const TimeDisplay* times = nullptr, QWidget* parent = nullptr);
 
     // Length the timeline spans: the trimmed length, else the duration;
     // 0 without a clip or a known length.
     static double timelineLength(const std::optional<ClipItem>& clip);
     // "0:01.5 / 0:05.0", or "—" without a positive length.
-    static QString timeLabel(const std::optional<ClipItem>& clip, double playhead);
+    static QString timeLabel(const std::optional<ClipItem>& clip, double playhead, TimeStyle style = {});
     // "0:02.5 – 0:07.5" for a trimmed clip, else "Full clip".
-    static QString trimText(const std::optional<ClipItem>& clip);
+    static QString trimText(const std::optional<ClipItem>& clip, TimeStyle style = {});
     static QString playHelp(const PreviewClock& clock);
 
     QPushButton* playButton() const { return play_; }
@@ -54,6 +55,7 @@ private:
     void followPlayhead();
 
     AppModel& model_;
+    const TimeDisplay* times_;
     QPushButton* play_;
     QPushButton* playAll_;
     LiveSlider* timeline_;

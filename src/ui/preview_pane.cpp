@@ -1,5 +1,6 @@
 #include "ui/preview_pane.h"
 
+#include "ui/time_display.h"
 #include "controller/app_model.h"
 #include "ui/appearance.h"
 #include "ui/playback_bar.h"
@@ -49,7 +50,8 @@ private:
 
 }  // namespace
 
-PreviewPane::PreviewPane(AppModel& model, QWidget* parent) : QWidget(parent), model_(model)
+PreviewPane::PreviewPane(AppModel& model, const TimeDisplay* times, QWidget* parent)
+    : QWidget(parent), model_(model)
 {
     setObjectName(QStringLiteral("previewPane"));
     setBackgroundRole(QPalette::Base);
@@ -79,7 +81,7 @@ PreviewPane::PreviewPane(AppModel& model, QWidget* parent) : QWidget(parent), mo
     divider->setForegroundRole(QPalette::Mid);
 
     stage_ = new PreviewStage(model_);
-    bar_ = new PlaybackBar(model_);
+    bar_ = new PlaybackBar(model_, times);
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);

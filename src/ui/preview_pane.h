@@ -17,12 +17,13 @@ class AppModel;
 namespace tavrelune::ui {
 
 class PlaybackBar;
+class TimeDisplay;
 class PreviewStage;
 
 class PreviewPane : public QWidget {
     Q_OBJECT
 public:
-    explicit PreviewPane(AppModel& model, QWidget* parent = nullptr);
+    explicit PreviewPane(AppModel& model, const TimeDisplay* times = nullptr, QWidget* parent = nullptr);
 
     PreviewStage* stage() const { return stage_; }
     PlaybackBar* playbackBar() const { return bar_; }

@@ -127,7 +127,14 @@ QString PreviewStage::placeholderText() const
 void PreviewStage::follow()
 {
     const QImage image = displayImage();
-    content_ = model_.clock().isPlayable() ? Content::live : !image.isNull() ? Content::still : Content::placeholder;
+    // An unreadable clip shows its reason, never what the player or the
+    // stills still hold of the clip before it.
+    const auto selected = model_.selectedClip();
+    const bool unreadable = selected && selected->readError;
+    content_ = unreadable                      ? Content::placeholder
+               : model_.clock().isPlayable() ? Content::live
+               : !image.isNull()             ? Content::still
+                                             : Content::placeholder;
     live_->setVisible(content_ == Content::live);
     still_->setVisible(content_ == Content::still);
     if (content_ == Content::still)

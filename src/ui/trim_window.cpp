@@ -1,5 +1,6 @@
 #include "ui/trim_window.h"
 
+#include "ui/time_display.h"
 #include "controller/app_model.h"
 #include "ui/trim/trim_editor_view.h"
 
@@ -8,14 +9,15 @@
 
 namespace tavrelune::ui {
 
-TrimWindow::TrimWindow(AppModel& model, QWidget* parent) : QWidget(parent, Qt::Window), model_(model)
+TrimWindow::TrimWindow(AppModel& model, QWidget* parent, const TimeDisplay* times)
+    : QWidget(parent, Qt::Window), model_(model)
 {
     setObjectName(QStringLiteral("trimWindow"));
     setWindowTitle(QStringLiteral("In & Out"));
     resize(920, 620);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    setBody(new trim::TrimEditorView(model_));
+    setBody(new trim::TrimEditorView(model_, times));
 }
 
 void TrimWindow::setBody(QWidget* body)

@@ -15,10 +15,12 @@ class AppModel;
 
 namespace tavrelune::ui {
 
+class TimeDisplay;
+
 class TrimWindow : public QWidget {
     Q_OBJECT
 public:
-    explicit TrimWindow(AppModel& model, QWidget* parent = nullptr);
+    explicit TrimWindow(AppModel& model, QWidget* parent = nullptr, const TimeDisplay* times = nullptr);
 
     // Replaces the body (the previous one is deleted).
     void setBody(QWidget* body);

@@ -31,6 +31,12 @@ WatermarkCard::WatermarkCard(AppModel& model, QWidget* parent)
     // The controller clamps both values; the sliders only offer its range.
     size_ = new SliderRow(QStringLiteral("Size"), 0.05, 0.8, percent);
     opacity_ = new SliderRow(QStringLiteral("Opacity"), 0.1, 1.0, percent);
+    for (SliderRow* row : {size_, opacity_}) {
+        row->setDisplayScale(100);
+        row->slider()->setStep(0.01);
+    }
+    size_->slider()->setDefaultValue(WatermarkSettings::defaultWidthFraction);
+    opacity_->slider()->setDefaultValue(1.0);
     connect(size_->slider(), &LiveSlider::valueEdited, &model_, &AppModel::updateWatermarkSize);
     connect(opacity_->slider(), &LiveSlider::valueEdited, &model_, &AppModel::updateWatermarkOpacity);
     auto* reset = new SmallButton(QStringLiteral("Reset position"));

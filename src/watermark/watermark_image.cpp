@@ -8,6 +8,7 @@
 #include <QImageReader>
 #include <QPainter>
 #include <QSvgRenderer>
+#include <algorithm>
 #include <cmath>
 
 namespace tavrelune {
@@ -29,13 +30,22 @@ QImage renderSvg(const QByteArray& svg, QSize pixels)
 
 }  // namespace
 
-std::optional<WatermarkImage> WatermarkImage::load(const QString& path)
+std::optional<WatermarkImage> WatermarkImage::load(const QString& path, QString* reason)
 {
+    const auto fail = [reason](const QString& why) -> std::optional<WatermarkImage> {
+        if (reason)
+            *reason = why;
+        return std::nullopt;
+    };
     WatermarkImage image;
     QFile file(path);
+    if (!file.exists())
+        return fail(QStringLiteral("the file does not exist"));
     if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
+        return fail(file.errorString().toLower());
     const QByteArray bytes = file.readAll();
+    if (bytes.isEmpty())
+        return fail(QStringLiteral("the file is empty"));
 
     QSvgRenderer svg(bytes);
     if (svg.isValid()) {
@@ -48,15 +58,30 @@ std::optional<WatermarkImage> WatermarkImage::load(const QString& path)
         }
     }
 
-    QImageReader reader(path);
+    QBuffer buffer;
+    buffer.setData(bytes);
+    QImageReader reader(&buffer);
     reader.setAutoTransform(false);
+    // The export never uses more than rasterLimit pixels a side, so a larger
+    // bitmap is read reduced to that. Formats that cannot decode at a reduced
+    // size (PNG) decode whole first: allow that up to 16384² pixels, far past
+    // Qt's default limit of about 128 MB (a 6000×6000 image).
+    const QSize stored = reader.size();
+    if (stored.isValid() && std::max(stored.width(), stored.height()) > rasterLimit) {
+        reader.setScaledSize(stored.scaled(rasterLimit, rasterLimit, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
+        image.intrinsicSize_ = QSizeF(stored);
+    }
+    reader.setAllocationLimit(1024);
     QImage bitmap = reader.read();
     if (bitmap.isNull() || bitmap.width() <= 0 || bitmap.height() <= 0) {
+        const QString readerReason = reader.canRead() ? reader.errorString().toLower() : QString();
         // Second chance through the grade's own loader (deep and float images).
         const auto pixels = PixelImage::load(path);
         if (!pixels || pixels->display.isNull())
-            return std::nullopt;
+            return fail(readerReason.isEmpty() ? QStringLiteral("it is not an image in a format this system reads")
+                                               : readerReason);
         bitmap = pixels->display;
+        image.intrinsicSize_ = {};
     }
     image.display_ = bitmap;
     return image;
@@ -64,7 +89,7 @@ std::optional<WatermarkImage> WatermarkImage::load(const QString& path)
 
 QSizeF WatermarkImage::pixelSize() const
 {
-    if (!svgData_.isEmpty())
+    if (!svgData_.isEmpty() || !intrinsicSize_.isEmpty())
         return {std::max(intrinsicSize_.width(), 1.0), std::max(intrinsicSize_.height(), 1.0)};
     return QSizeF(display_.size());
 }

@@ -20,8 +20,12 @@ public:
     static constexpr int rasterLimit = 2048;  // largest side of the staged PNG
     static constexpr int smallestSide = 2;
 
-    // None when the file cannot be read as an image of positive size.
-    static std::optional<WatermarkImage> load(const QString& path);
+    // None when the file cannot be read as an image of positive size; then
+    // `reason`, when given, says why in a few words ("file not found",
+    // "not an image Qt can read"). A bitmap larger than the export ever
+    // uses is read already reduced to `rasterLimit` on its longest side, so
+    // images of any size (6000×6000 and more) load in little memory.
+    static std::optional<WatermarkImage> load(const QString& path, QString* reason = nullptr);
 
     // Pixel size of a bitmap; the intrinsic size of a vector image, each
     // side at least 1.
@@ -43,7 +47,7 @@ public:
 private:
     QImage display_;        // bitmap, or the SVG drawn at its intrinsic size
     QByteArray svgData_;    // set for vector images
-    QSizeF intrinsicSize_;  // vector images only
+    QSizeF intrinsicSize_;  // vector images, and bitmaps read reduced (their stored size)
 };
 
 }  // namespace tavrelune

@@ -214,7 +214,8 @@ TEST(ConvertCommand, BadInputIsStatusTwoWithOneLine)
          "watermark placement given, but no watermark image (a PNG or SVG FILE, or watermark.url in the job)"},
         {{"--job", "bad.json", clip}, "bad.json: settings.bitrate: unknown key"},
         {{"--job", "none.json", clip}, "none.json: cannot read the job file (No such file or directory)"},
-        {{"broken.svg", clip}, "Could not read that watermark. Use a PNG or SVG with transparency."},
+        {{"broken.svg", clip}, "Could not read that watermark: it is not an image in a format this system reads. "
+                                 "Use a PNG or SVG with transparency."},
         {{"--exposure", "5", clip}, "--exposure: 5 is outside -3 to 3 (see 'tavrelune convert --help')"},
         {{"look.cube", clip}, sandbox.file("look.cube") + ": The LUT data is incomplete."},
         {{clip, "voice.mp4"}, sandbox.file("voice.mp4") + ": unsupported input: no video stream"},

@@ -260,7 +260,7 @@ TEST_F(ControllerTest, UnreadableWatermarkStopsTheBatchBeforeTheFirstClip)
     QFile::remove(logo);
     convert();
     EXPECT_EQ(model->statusMessage(), "Could not prepare the watermark.");
-    EXPECT_EQ(model->errorMessage(), "Could not read the watermark image.");
+    EXPECT_EQ(model->errorMessage(), "Could not read the watermark image: the file does not exist.");
     EXPECT_EQ(clipAt(0).status, ClipStatus::ready);
     EXPECT_FALSE(model->isConverting());
     EXPECT_TRUE(outputNames().isEmpty());

@@ -46,7 +46,9 @@ TEST_F(ControllerTest, ANewWatermarkSitsBottomRightOfTheSelectedClip)
 
     const WatermarkSettings before = model->watermark();
     model->setWatermark(QUrl::fromLocalFile(root.write("bad.png", "not an image")));
-    EXPECT_EQ(model->errorMessage(), "Could not read that watermark. Use a PNG or SVG with transparency.");
+    EXPECT_EQ(model->errorMessage(),
+              "Could not read that watermark: it is not an image in a format this system reads. "
+              "Use a PNG or SVG with transparency.");
     EXPECT_EQ(model->watermark(), before) << "the previous watermark stays";
 
     model->clearWatermark();

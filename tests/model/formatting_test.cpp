@@ -98,3 +98,22 @@ TEST(TimeFormattingTimeLeft, ShownOnceFivePercentOrThreeSecondsHavePassed)
     for (const Case& c : cases)
         EXPECT_EQ(TimeFormatting::timeLeft(c.elapsed, c.fraction), c.expected) << c.elapsed << " s, " << c.fraction;
 }
+
+TEST(TimeFormattingTimecode, FramesAtTheClipsRateWithDropFrameLabelsAt2997And5994)
+{
+    const double ntsc = 30000.0 / 1001, ntsc60 = 60000.0 / 1001, film = 24000.0 / 1001;
+    const struct {
+        double seconds;
+        double fps;
+        const char* text;
+    } cases[] = {
+        {0, 25, "00:00:00:00"},           {3661.5, 25, "01:01:01:12"},
+        {1.0 / 30 - 1e-9, 30, "00:00:00:01"},  // a hair before a frame's start shows it
+        {-2, 30, "00:00:00:00"},          {1799 / ntsc, ntsc, "00:00:59;29"},
+        {1800 / ntsc, ntsc, "00:01:00;02"},  {17982 / ntsc, ntsc, "00:10:00;00"},
+        {3600 / ntsc60, ntsc60, "00:01:00;04"}, {24 / film, film, "00:00:01:00"},
+        {1.25, 0, "0:01.3"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(TimeFormatting::timecode(c.seconds, c.fps), c.text) << c.seconds << " s at " << c.fps;
+}

@@ -37,3 +37,15 @@ TEST(ClipRowText, AdjustmentTextFollowsItsThresholds)
         EXPECT_EQ(ui::adjustmentLabel(clip), QString::fromUtf8(each.text)) << label;
     }
 }
+
+TEST(ClipRowText, DurationAsTimecodeNeedsTheRate)
+{
+    ClipItem clip;
+    clip.duration = 20;
+    clip.outPoint = 12;
+    const ui::TimeStyle timecode{.timecode = true};
+    EXPECT_EQ(ui::durationText(clip, timecode), "0:12 / 0:20") << "no rate known: the clock";
+    clip.fps = 25;
+    EXPECT_EQ(ui::durationText(clip, {}), "0:12 / 0:20");
+    EXPECT_EQ(ui::durationText(clip, timecode), "00:00:12:00 / 00:00:20:00");
+}

@@ -18,8 +18,11 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QImage>
+#include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QWheelEvent>
 
 using namespace tavrelune;
 using namespace tavrelune::test;
@@ -68,6 +71,30 @@ TEST_F(InspectorTest, PerClipSlidersShowTheLiveGradeAndStoreItWhenADragEnds)
     EXPECT_DOUBLE_EQ(clipAt(0).temperature, 0);
 }
 
+TEST_F(InspectorTest, ATypedValueIsStoredAndEscapeKeepsTheValue)
+{
+    addClips(1);
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    ui::SliderRow& exposure = *gradeRows()[0];
+    inspector().ensureWidgetVisible(&exposure);
+    const auto type = [&](const QString& text, Qt::Key end) {
+        QLabel* value = exposure.findChildren<QLabel*>().last();
+        QTest::mouseDClick(value, Qt::LeftButton);
+        ASSERT_TRUE(exposure.valueEditor()->hasFocus());
+        exposure.valueEditor()->setText(text);
+        QTest::keyClick(exposure.valueEditor(), end);
+    };
+    type("+0.35 EV", Qt::Key_Return);
+    EXPECT_DOUBLE_EQ(clipAt(0).exposure, 0.35);
+    EXPECT_EQ(exposure.valueText(), "+0.35 EV");
+    type("9", Qt::Key_Return);
+    EXPECT_DOUBLE_EQ(clipAt(0).exposure, 3) << "clamped to the slider's end";
+    type("-1", Qt::Key_Escape);
+    EXPECT_DOUBLE_EQ(clipAt(0).exposure, 3);
+    EXPECT_FALSE(exposure.valueEditor()->isVisible());
+}
+
 TEST_F(InspectorTest, LutAndWatermarkRowsShowTheChosenFiles)
 {
     ui::FileChoiceRow& lut = *inspector().lutCard()->fileRow();
@@ -101,7 +128,8 @@ TEST_F(InspectorTest, HintAndConvertButtonFollowTheClipsAndSettings)
 {
     const QString copied = "Encoding with x265 (software). Audio is copied when possible.";
     const QString stripped = "Encoding with x265 (software). Audio is stripped from the export.";
-    const QString joined = QString("Clips are scaled to the first clip") + QChar(0x2019) + "s size and joined in list order.";
+    const QString joined = QString("Clips are scaled to the first clip") + QChar(0x2019)
+                           + "s size and joined in list order. Encoding with x265 (software).";
     const struct {
         int clips;
         bool combine;
@@ -194,4 +222,39 @@ TEST_F(InspectorTest, WhileConvertingOnlyScrollingAndTheFolderTextStayEnabled)
     EXPECT_TRUE(inspector().verticalScrollBar()->isEnabled());
     stopConverting();
     EXPECT_TRUE(convert.isEnabled());
+}
+
+TEST_F(InspectorTest, ConvertStaysInReachAndTheWheelScrollsPastUnfocusedControls)
+{
+    addClips(2);
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    window->resize(window->minimumSizeHint());
+    QTRY_COMPARE(window->size(), window->minimumSizeHint());
+    QWidget& convert = *inspector().convertButton();
+    const QRect shown(convert.mapTo(window.get(), QPoint(0, 0)), convert.size());
+    EXPECT_TRUE(convert.isVisible());
+    EXPECT_TRUE(window->rect().contains(shown)) << "Convert is cut off at the smallest window";
+
+    QScrollBar& scroll = *inspector().verticalScrollBar();
+    ASSERT_GT(scroll.maximum(), 0) << "the cards should scroll at this size";
+    scroll.setValue(scroll.maximum() / 2);
+    QComboBox& quality = *exportCard().qualityPicker();
+    inspector().ensureWidgetVisible(&quality);
+    window->setFocus();
+    const QualityPreset before = model->settings().quality;
+    const int scrolledTo = scroll.value();
+    const QPoint over = quality.rect().center();
+    for (int turn = 0; turn < 2; ++turn) {
+        QWheelEvent wheel(over, quality.mapToGlobal(over), {}, {0, -120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&quality, &wheel);
+    }
+    EXPECT_EQ(model->settings().quality, before) << "the wheel changed a list it only passed over";
+    EXPECT_GT(scroll.value(), scrolledTo) << "the wheel should scroll the cards";
+
+    quality.setFocus();
+    ASSERT_TRUE(quality.hasFocus());
+    QWheelEvent wheel(over, quality.mapToGlobal(over), {}, {0, -120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&quality, &wheel);
+    EXPECT_NE(model->settings().quality, before) << "a focused list still takes the wheel";
 }

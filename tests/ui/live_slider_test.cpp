@@ -97,9 +97,29 @@ TEST_F(LiveSliderTest, AKeyStepIsOneWholeEdit)
     QTest::keyClick(&slider, Qt::Key_Right);
     EXPECT_EQ(editing(), (QList<bool>{true, false}));
     ASSERT_EQ(valueSpy.size(), 1);
-    EXPECT_NEAR(valueSpy.first().first().toDouble(), 0.06, 0.0001);
+    EXPECT_NEAR(valueSpy.first().first().toDouble(), 0.06, 0.0001) << "a hundredth of the range until a unit is set";
     QTest::keyClick(&slider, Qt::Key_Tab);
     EXPECT_EQ(editingSpy.size(), 2) << "keys that move nothing report nothing";
+
+    slider.setStep(0.05);
+    QTest::keyClick(&slider, Qt::Key_Left);
+    QTest::keyClick(&slider, Qt::Key_Left);
+    QTest::keyClick(&slider, Qt::Key_PageUp);
+    ASSERT_EQ(valueSpy.size(), 4);
+    const double onTheGrid[] = {0.06, 0.0, -0.05, 0.45};
+    for (int i = 0; i < 4; ++i)
+        EXPECT_NEAR(valueSpy[i].first().toDouble(), onTheGrid[i], 1e-12) << "steps land on the unit's grid";
+}
+
+TEST_F(LiveSliderTest, ADoubleClickReturnsToTheDefaultAsOneEdit)
+{
+    slider.setValue(2);
+    slider.setDefaultValue(0);
+    QTest::mouseDClick(&slider, Qt::LeftButton, {}, QPoint(slider.width() - 10, slider.height() / 2));
+    EXPECT_DOUBLE_EQ(slider.value(), 0);
+    EXPECT_DOUBLE_EQ(valueSpy.last().first().toDouble(), 0);
+    EXPECT_EQ(editing().size() % 2, 0) << "every begin has its end";
+    EXPECT_FALSE(slider.isTracking());
 }
 
 // Disabled (a batch starting) or hidden while held: the drag ends then, and

@@ -2,17 +2,22 @@
 // the "In & Out" window, on a real controller.
 #include "window_fixture.h"
 
+#include "ui/clip_list_pane.h"
 #include "ui/error_alert.h"
 #include "ui/file_drop.h"
 #include "ui/main_menus.h"
+#include "ui/playback_bar.h"
+#include "model/time_formatting.h"
 #include "ui/status_row.h"
 #include "ui/trim_window.h"
 
 #include <QAction>
 #include <QDropEvent>
+#include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QProgressBar>
+#include <QRegularExpression>
 #include <QPushButton>
 #include <QSplitter>
 
@@ -123,11 +128,37 @@ TEST_F(WindowTest, SetInAndOutOpensOneWindowAndRaisesItAgain)
     EXPECT_TRUE(first->isVisible());
     EXPECT_EQ(first->windowTitle(), "In & Out");
 
+    const QRect list(window->clipList()->mapToGlobal(QPoint(0, 0)), window->clipList()->size());
+    EXPECT_FALSE(first->frameGeometry().intersects(list)) << "opened over the clip list";
+    const QRect beside = window->trimWindowPlace(first->size());
+    EXPECT_EQ(first->pos(), beside.topLeft());
+
     first->close();
     window->menus()->setInOut()->trigger();
     EXPECT_EQ(model->trimWindowToken(), 2);
     EXPECT_EQ(window->trimWindow(), first);
     EXPECT_TRUE(first->isVisible());
+}
+
+TEST_F(WindowTest, ShowTimecodeSwitchesEveryTimeToFramesAtTheClipsRate)
+{
+    addClips(1);
+    const QLabel& time = *window->previewPane()->playbackBar()->time();
+    const auto shows = [&](const char* pattern) {
+        return QRegularExpression(QString("^%1 / %1$").arg(pattern)).match(time.text()).hasMatch();
+    };
+    const char* clock = "\\d:\\d\\d\\.\\d";
+    const char* timecode = "\\d\\d:\\d\\d:\\d\\d:\\d\\d";
+    EXPECT_TRUE(shows(clock)) << time.text().toStdString();
+    window->menus()->showTimecode()->trigger();
+    EXPECT_TRUE(shows(timecode)) << time.text().toStdString();
+    const double fps = *clipAt(0).fps;
+    EXPECT_TRUE(time.text().endsWith(" / " + TimeFormatting::timecode(1.0, fps)));
+    model->updateInPoint(0.5, false);
+    EXPECT_EQ(window->previewPane()->playbackBar()->trimLabel()->text(),
+              TimeFormatting::timecode(0.5, fps) + " \u2013 " + TimeFormatting::timecode(1.0, fps));
+    window->menus()->showTimecode()->trigger();
+    EXPECT_TRUE(shows(clock)) << "and back to the clock: " << time.text().toStdString();
 }
 
 TEST_F(WindowTest, StatusRowShowsProgressWhileConvertingAndSummarisesTheBatch)

@@ -88,6 +88,17 @@ TEST_F(PaneTest, StageShowsThePlaceholderTheGradedStillOrLiveVideo)
     model->updatePreviewTime(1.5);
     EXPECT_EQ(bar().time()->text(), "0:01.5 / 0:05.0");
     EXPECT_NEAR(bar().timeline()->value(), 1.5, 1e-3);
+
+    // Selecting an unreadable file right after another: its reason, not the
+    // other's picture.
+    addAndProbe({root.write("noise.mov", QByteArray(4096, '\x5a'))});
+    for (const int before : {0, 1}) {
+        model->selectClip(clipAt(before).id);
+        ASSERT_TRUE(waitUntil([this] { return stage().content() != Content::placeholder; }));
+        model->selectClip(clipAt(2).id);
+        EXPECT_EQ(stage().content(), Content::placeholder) << "after " << before;
+    }
+    EXPECT_TRUE(stage().placeholderText().startsWith("This file can't be previewed: "));
 }
 
 TEST_F(PaneTest, HoldingThePictureShowsTheOriginalAlsoBesideTheWatermark)

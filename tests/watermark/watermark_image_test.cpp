@@ -2,6 +2,7 @@
 #include "support/temp_folder.h"
 
 #include <QImage>
+#include <QImageReader>
 #include <gtest/gtest.h>
 
 using namespace tavrelune;
@@ -62,8 +63,30 @@ TEST(WatermarkImage, PngKeepsTransparencyAndRendersVectorsSharp)
     EXPECT_NEAR(halfRed.pixelColor(5, 5).red(), 255, 1);
 
     EXPECT_FALSE(vector->pngData({0, 10}));
-    EXPECT_FALSE(WatermarkImage::load(folder.write("broken.png", "not an image")));
-    EXPECT_FALSE(WatermarkImage::load(folder.file("missing.png")));
+}
+
+TEST(WatermarkImage, UnreadableFilesSayWhy)
+{
+    TempFolder folder;
+    for (const auto& [path, reason] : {std::pair{folder.write("broken.png", "not an image"),
+                                                 "it is not an image in a format this system reads"},
+                                       {folder.file("missing.png"), "the file does not exist"},
+                                       {folder.write("empty.png", ""), "the file is empty"}}) {
+        QString why;
+        EXPECT_FALSE(WatermarkImage::load(path, &why));
+        EXPECT_EQ(why, reason) << path.toStdString();
+    }
+}
+
+TEST(WatermarkImage, BitmapsPastQtsDefaultLimitLoadReduced)
+{
+    TempFolder folder;
+    const QString path = writePng(folder, "huge.png", {6000, 6000});
+    ASSERT_TRUE(QImageReader(path).read().isNull()) << "Qt's default limit no longer refuses this size";
+    const auto image = WatermarkImage::load(path);
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->displayImage().size(), QSize(2048, 2048));
+    EXPECT_EQ(image->rasterPixelSize(path), QSize(2048, 2048));
 }
 
 TEST(WatermarkImage, LargeBitmapKeepsThinStrokesWhenReduced)

@@ -1,7 +1,7 @@
 #include "ui/trim/trim_editor_view.h"
 
 #include "controller/app_model.h"
-#include "model/time_formatting.h"
+#include "ui/time_display.h"
 #include "ui/preview/player_layer_view.h"
 #include "ui/trim/trim_timeline_view.h"
 #include "ui/appearance.h"
@@ -71,7 +71,8 @@ double frameLength(const ClipItem& clip)
 
 }  // namespace
 
-TrimEditorView::TrimEditorView(AppModel& model, QWidget* parent) : QWidget(parent), model_(model)
+TrimEditorView::TrimEditorView(AppModel& model, const ui::TimeDisplay* times, QWidget* parent)
+    : QWidget(parent), model_(model), times_(times)
 {
     setObjectName(QStringLiteral("trimEditor"));
     setMinimumSize(720, 460);
@@ -89,6 +90,8 @@ TrimEditorView::TrimEditorView(AppModel& model, QWidget* parent) : QWidget(paren
     column->addWidget(makeControls());
 
     connect(&model_, &AppModel::selectedClipIDChanged, this, &TrimEditorView::refresh);
+    if (times_)
+        connect(times_, &ui::TimeDisplay::changed, this, &TrimEditorView::refresh);
     connect(&model_, &AppModel::clipsChanged, this, &TrimEditorView::refresh);
     connect(&model_, &AppModel::isConvertingChanged, this, &TrimEditorView::refresh);
     PreviewClock& clock = model_.trimClock();
@@ -283,11 +286,13 @@ void TrimEditorView::refresh()
     const bool converting = model_.isConverting();
     const bool known = clip && clip->duration;
     const bool trimmed = clip && clip->isTrimmed();
+    const ui::TimeStyle style = ui::styleOf(times_);
+    const auto time = [&](double seconds) { return style.text(seconds, clip ? clip->fps : std::nullopt); };
 
     name_->setFullText(clip ? clip->name : QStringLiteral("No clip selected"));
     keep_->setVisible(trimmed);
     if (trimmed)
-        keep_->setText(QStringLiteral("Keep ") + TimeFormatting::clock(clip->trimmedDuration().value_or(0), true));
+        keep_->setText(QStringLiteral("Keep ") + time(clip->trimmedDuration().value_or(0)));
     done_->setEnabled(!converting);
 
     stage_->setCurrentIndex(clock.isPlayable() ? playerStage : clip ? unplayableStage : noClipStage);
@@ -310,11 +315,9 @@ void TrimEditorView::refresh()
 
     pointRow_->setEnabled(canTrim());
     reset_->setVisible(trimmed);
-    inLabel_->setText(known ? TimeFormatting::clock(clip->effectiveInPoint(), true) : dash);
-    outLabel_->setText(known ? TimeFormatting::clock(clip->effectiveOutPoint(), true) : dash);
-    timeLabel_->setText(known ? TimeFormatting::clock(clock.seconds(), true) + QStringLiteral(" / ")
-                                    + TimeFormatting::clock(*clip->duration, true)
-                              : dash);
+    inLabel_->setText(known ? time(clip->effectiveInPoint()) : dash);
+    outLabel_->setText(known ? time(clip->effectiveOutPoint()) : dash);
+    timeLabel_->setText(known ? time(clock.seconds()) + QStringLiteral(" / ") + time(*clip->duration) : dash);
 }
 
 bool TrimEditorView::stepPlayhead(int frames, double seconds)

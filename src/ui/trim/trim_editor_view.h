@@ -29,6 +29,7 @@ class PlayerLayerView;
 
 namespace tavrelune::ui {
 class ElidedLabel;
+class TimeDisplay;
 }
 
 namespace tavrelune::trim {
@@ -39,7 +40,7 @@ class TrimEditorView : public QWidget {
     Q_OBJECT
 
 public:
-    explicit TrimEditorView(AppModel& model, QWidget* parent = nullptr);
+    explicit TrimEditorView(AppModel& model, const ui::TimeDisplay* times = nullptr, QWidget* parent = nullptr);
 
     TrimTimelineView* timeline() const { return timeline_; }
     PlayerLayerView* playerView() const { return playerView_; }
@@ -64,6 +65,7 @@ private:
     bool canTrim() const;
 
     AppModel& model_;
+    const ui::TimeDisplay* times_;
     ui::ElidedLabel* name_ = nullptr;
     QLabel* keep_ = nullptr;
     QPushButton* done_ = nullptr;
