@@ -15,7 +15,9 @@
 #include "ui/file_drop.h"
 #include "ui/icons.h"
 #include "ui/main_window.h"
+#include "ui/remembered_settings.h"
 #include <QApplication>
+#include <QSettings>
 #include <QFileInfo>
 #endif
 
@@ -91,6 +93,8 @@ int main(int argc, char** argv)
     tavrelune::ui::MainWindow window(model);
     tavrelune::ui::DesktopIntegration desktop(&window);
     model.setDesktopServices(&desktop);
+    QSettings store(QStringLiteral("tavrelune"), QStringLiteral("tavrelune"));
+    tavrelune::ui::RememberedSettings remembered(store, model, window);
     model.startEncoderDetection();
     // Files named on the command line (Qt has taken its own options out of
     // argv) arrive as if dropped on the window.

@@ -22,6 +22,7 @@ void AppModel::setLUT(const QUrl& url)
 {
     // A repeated choice still re-stages: the file may have changed on disk.
     stagedLUT_.reset();
+    ++lookChoices_;
     setLutURL(url);
     grader_.setLUT(std::optional<QString>(url.toLocalFile()));
     pushLiveGradeToPreview();

@@ -126,7 +126,38 @@ bool AppModel::canConvert() const
 {
     // A stopped batch may still be winding down its ffmpeg after
     // isConverting went false; the next one waits until it has ended.
-    return !clips_.isEmpty() && !outputFolder_.isEmpty() && !isConverting_ && !batchRunning_;
+    return !clips_.isEmpty() && !outputFolder_.isEmpty() && !isConverting_ && !batchRunning_
+           && !clipsToConvert().isEmpty();
+}
+
+bool AppModel::canConvertAgain() const
+{
+    return !clips_.isEmpty() && !outputFolder_.isEmpty() && !isConverting_ && !batchRunning_
+           && !tavrelune::clipsToConvert(clips_, batchInputs(), true).isEmpty();
+}
+
+BatchInputs AppModel::batchInputs() const
+{
+    return {lutURL_, watermark_, settings_, outputFolder_.toLocalFile(), lookChoices_};
+}
+
+int AppModel::upToDateCount() const
+{
+    const BatchInputs inputs = batchInputs();
+    return static_cast<int>(std::count_if(clips_.begin(), clips_.end(), [&](const ClipItem& clip) {
+        return isUpToDate(clip, clips_, inputs);
+    }));
+}
+
+// What Convert would write; once everything is converted, what Convert
+// All Again would. Unreadable clips write nothing.
+SizeForecast AppModel::sizeForecast() const
+{
+    const BatchInputs inputs = batchInputs();
+    QList<ClipItem> planned = tavrelune::clipsToConvert(clips_, inputs, false);
+    if (planned.isEmpty())
+        planned = tavrelune::clipsToConvert(clips_, inputs, true);
+    return forecastBatch(planned, settings_);
 }
 
 bool AppModel::watermarkEditable() const
@@ -197,6 +228,7 @@ void AppModel::setLutURL(const QUrl& url)
         return;
     lutURL_ = url;
     Q_EMIT lutURLChanged();
+    notifyDerived();  // converted clips are out of date
 }
 
 void AppModel::setWatermarkSettings(const WatermarkSettings& settings)
@@ -223,6 +255,7 @@ void AppModel::setSettings(const EncodeSettings& settings)
         return;
     settings_ = settings;
     Q_EMIT settingsChanged();
+    notifyDerived();
 }
 
 void AppModel::setIsConverting(bool converting)
@@ -244,9 +277,10 @@ void AppModel::setConversionFraction(double fraction)
 
 // Every assignment notifies, also of the same text: each step of a batch
 // is a new message even when two clips share a name.
-void AppModel::setStatusMessage(const QString& message)
+void AppModel::setStatusMessage(const QString& message, const QUuid& about)
 {
     statusMessage_ = message;
+    statusClip_ = about;
     Q_EMIT statusMessageChanged();
 }
 

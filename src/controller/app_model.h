@@ -16,6 +16,7 @@
 #pragma once
 
 #include "controller/batch_plan.h"
+#include "controller/batch_selection.h"
 #include "controller/desktop_services.h"
 #include "controller/run_folder.h"
 #include "controller/free_space.h"
@@ -127,11 +128,20 @@ public:
     // --- derived ---
     std::optional<ClipItem> selectedClip() const;
     std::optional<int> selectedIndex() const;
-    // False while a batch runs, and while a stopped one still winds down.
+    // False while a batch runs, and while a stopped one still winds down,
+    // and when every clip is converted and unchanged since.
     bool canConvert() const;
+    // Whether "Convert All Again" has anything to make.
+    bool canConvertAgain() const;
+    // What every clip would be exported with now.
+    BatchInputs batchInputs() const;
+    // The clips "Convert" would make now (see batch_selection.h).
+    QList<ClipItem> clipsToConvert() const { return tavrelune::clipsToConvert(clips_, batchInputs(), false); }
+    // How many clips are converted and unchanged since.
+    int upToDateCount() const;
     bool watermarkEditable() const;
     // What the batch would write if it started now.
-    SizeForecast sizeForecast() const { return forecastBatch(clips_, settings_); }
+    SizeForecast sizeForecast() const;
     // Width / height of the selected clip's video; 16/9 when unknown.
     double previewVideoAspect() const;
 
@@ -161,6 +171,8 @@ public:
 
     // --- batch ---
     void startConversion();
+    // Converts every readable clip, also those converted and unchanged.
+    void convertAllAgain();
     void cancelConversion();
     void revealOutput();
     // Resolves when the running batch, if any, has ended.
@@ -276,7 +288,7 @@ private:
     void setWatermarkSettings(const WatermarkSettings& settings);
     void setIsConverting(bool converting);
     void setConversionFraction(double fraction);
-    void setStatusMessage(const QString& message);
+    void setStatusMessage(const QString& message, const QUuid& about = {});
     void setIsPlayingAll(bool playing);
     void setIsPreviewing(bool previewing);
     void setSourcePreview(const QImage& image);
@@ -302,7 +314,8 @@ private:
     QCoro::Task<void> extractSourceFrame(QUuid clipID, QUrl url, double duration, double fraction, bool force,
                                          std::stop_token stop);
     QCoro::Task<void> runTrimLoad(ClipItem clip);
-    QCoro::Task<void> runBatch(QString outputFolder, std::stop_token stop);
+    void beginBatch(bool again);
+    QCoro::Task<void> runBatch(QString outputFolder, bool again, std::stop_token stop);
     // The staged table for ffmpeg: a `.cube` as the preview reads it (see
     // cubeText), another format copied. Throws LUTParseError for a `.cube`
     // the loader rejects, PlatformError when it cannot be written.
@@ -339,12 +352,12 @@ private:
     // One clip's progress: `fraction` of its `share` of the batch, which
     // starts at `start`.
     void applyProgress(const QUuid& clip, double start, double share, double fraction);
-    QString finalStatus(bool cancelled, bool stopped, bool combine) const;
+    QString finalStatus(bool cancelled, bool stopped, bool combine, const QList<ClipItem>& planned) const;
     // Between a conversion's end and its rename into place: probes the
     // written file and throws when it is not what the export was to make;
     // returns what the probe found.
     QCoro::Task<MediaInfo> checkFinishedOutput(QString path, ExpectedOutput expected, std::stop_token stop);
-    std::optional<QString> spaceShortageFor(const QString& outputFolder) const;
+    std::optional<QString> spaceShortageFor(const QString& outputFolder, const QList<ClipItem>& planned) const;
 
     // Published fields, in declaration order.
     QList<ClipItem> clips_;
@@ -382,6 +395,8 @@ private:
     std::stop_source previewTask_;  // the one pending preview load or still
     int runningExtractions_ = 0;
     bool previews_ = true;
+    QUuid statusClip_;  // the clip the status line talks about, if one
+    int lookChoices_ = 0;  // see BatchInputs::lookChoices
     std::optional<QString> stagedLUT_;
     std::optional<QString> stagedWatermark_;
     bool watermarkAtDefault_ = false;  // placed by default, not yet moved or sized

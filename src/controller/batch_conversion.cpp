@@ -18,11 +18,23 @@ namespace tavrelune {
 
 void AppModel::startConversion()
 {
-    if (!canConvert() || outputFolder_.isEmpty())
-        return;
     commitLiveGrade();
+    if (canConvert())
+        beginBatch(false);
+}
+
+void AppModel::convertAllAgain()
+{
+    commitLiveGrade();
+    if (canConvertAgain())
+        beginBatch(true);
+}
+
+void AppModel::beginBatch(bool again)
+{
     const QString folder = outputFolder_.toLocalFile();
-    if (const auto shortage = spaceShortageFor(folder)) {
+    const QList<ClipItem> planned = tavrelune::clipsToConvert(clips_, batchInputs(), again);
+    if (const auto shortage = spaceShortageFor(folder, planned)) {
         setErrorMessage(*shortage);
         setStatusMessage(QStringLiteral("Not started: not enough free space."));
         return;
@@ -35,8 +47,11 @@ void AppModel::startConversion()
     setIsConverting(true);
     setConversionFraction(0);
     setErrorMessage(QString());
+    // Clips converted and unchanged keep their mark; the rest start afresh.
     QList<ClipItem> reset = clips_;
     for (ClipItem& clip : reset) {
+        if (std::none_of(planned.begin(), planned.end(), [&clip](const ClipItem& p) { return p.id == clip.id; }))
+            continue;
         clip.status = ClipStatus::ready;
         clip.progress = 0;
         clip.errorMessage.reset();
@@ -45,14 +60,15 @@ void AppModel::startConversion()
 
     convertTask_.request_stop();
     convertTask_ = std::stop_source();
-    runBatch(folder, convertTask_.get_token());  // runs on; stopped through convertTask_
+    runBatch(folder, again, convertTask_.get_token());  // runs on; stopped through convertTask_
 }
 
 // The outputs and the parts of a combined export both go to the output
 // folder (the parts in a hidden folder there), so both need room there.
-std::optional<QString> AppModel::spaceShortageFor(const QString& outputFolder) const
+std::optional<QString> AppModel::spaceShortageFor(const QString& outputFolder,
+                                                  const QList<ClipItem>& planned) const
 {
-    const SizeForecast forecast = sizeForecast();
+    const SizeForecast forecast = forecastBatch(planned, settings_);
     return spaceShortage({{outputFolder, forecast.outputBytes()}, {outputFolder, forecast.parts}}, freeSpace_);
 }
 
@@ -93,11 +109,14 @@ void AppModel::applyProgress(const QUuid& clip, double start, double share, doub
     setConversionFraction(start + share * fraction);
 }
 
-QString AppModel::finalStatus(bool cancelled, bool stopped, bool combine) const
+QString AppModel::finalStatus(bool cancelled, bool stopped, bool combine, const QList<ClipItem>& planned) const
 {
-    const auto count = [this](ClipStatus status) {
-        return static_cast<int>(std::count_if(clips_.begin(), clips_.end(),
-                                              [status](const ClipItem& clip) { return clip.status == status; }));
+    const auto count = [this, &planned](ClipStatus status) {
+        return static_cast<int>(std::count_if(clips_.begin(), clips_.end(), [&](const ClipItem& clip) {
+            return clip.status == status && std::any_of(planned.begin(), planned.end(), [&clip](const ClipItem& p) {
+                       return p.id == clip.id;
+                   });
+        }));
     };
     const int succeeded = count(ClipStatus::done);
     const int failed = count(ClipStatus::failed);
@@ -110,7 +129,7 @@ QString AppModel::finalStatus(bool cancelled, bool stopped, bool combine) const
     return QStringLiteral("Done: converted %1 clip%2.").arg(succeeded).arg(succeeded == 1 ? "" : "s");
 }
 
-QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
+QCoro::Task<void> AppModel::runBatch(QString outputFolder, bool again, std::stop_token stop)
 {
     QPointer<AppModel> self(this);
     batchRunning_ = true;
@@ -123,7 +142,9 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
     // Everything the batch works with is fixed here. Clips added, and a LUT
     // or watermark chosen while it runs, wait for the next batch; the staged
     // files it reads are copies of its own.
-    const QList<ClipItem> planned = clips_;
+    const QList<ClipItem> listed = clips_;
+    const BatchInputs inputs = batchInputs();
+    const QList<ClipItem> planned = tavrelune::clipsToConvert(listed, inputs, again);
     const EncodeSettings settings = settings_;
     const BatchLook look = currentLook();
     const QString lutName = QFileInfo(lutURL_.toLocalFile()).fileName();
@@ -235,19 +256,27 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
         if (!self)
             co_return;
         if (failure) {
-            stopped = true;
             claim.reset();  // removes this run's unfinished file and its claim
             if (stop.stop_requested() || isCancellation(failure)) {
+                stopped = true;
                 updateClip(clip.id, [](ClipItem& stored) { stored.status = ClipStatus::ready; });
-            } else {
-                const QString description = describe(failure);
-                updateClip(clip.id, [&description](ClipItem& stored) {
-                    stored.status = ClipStatus::failed;
-                    stored.errorMessage = description;
-                });
-                setErrorMessage(description);
+                break;
             }
-            break;
+            const QString description = describe(failure);
+            updateClip(clip.id, [&description](ClipItem& stored) {
+                stored.status = ClipStatus::failed;
+                stored.errorMessage = description;
+            });
+            setErrorMessage(description);
+            // A join needs every part; separate files go on with the next
+            // clip, so one bad file does not hold up the rest.
+            if (plan.combine) {
+                stopped = true;
+                break;
+            }
+            done += shares[position];
+            setConversionFraction(done);
+            continue;
         }
         updateClip(clip.id, [&](ClipItem& stored) {
             stored.progress = 1;
@@ -256,6 +285,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
             }
             stored.status = ClipStatus::done;
             stored.outputURL = QUrl::fromLocalFile(output);
+            stored.exportedAs = exportSignature(clip, listed, inputs);
         });
         if (plan.combine)
             parts << output;
@@ -302,6 +332,9 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
                 clip.status = ClipStatus::done;
                 clip.progress = 1;
                 clip.outputURL = QUrl::fromLocalFile(output);
+                const auto plannedClip = std::find_if(planned.begin(), planned.end(),
+                                                      [&clip](const ClipItem& p) { return p.id == clip.id; });
+                clip.exportedAs = exportSignature(*plannedClip, listed, inputs);
             }
             setClips(std::move(joined));
             setConversionFraction(1);
@@ -333,7 +366,7 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, std::stop_token stop)
     setClips(std::move(ended));
     setIsConverting(false);
     partsFolder.reset();  // removes the parts
-    QString status = finalStatus(stop.stop_requested(), stopped, plan.combine);
+    QString status = finalStatus(stop.stop_requested(), stopped, plan.combine, planned);
     if (settings.matchPreview && look.previewLacksLUT)
         status += QStringLiteral(" The preview cannot show the LUT %1, so the filter chain graded the clips.")
                       .arg(lutName);

@@ -17,6 +17,7 @@ std::vector<PlannedCommand> AppModel::plannedCommands() const
     QList<ClipItem> clips = clips_;
     if (const auto index = selectedIndex())
         applyLiveGrade(clips[*index]);
+    clips = tavrelune::clipsToConvert(clips, batchInputs(), false);
     const BatchPlan plan = planBatch(clips, settings_);
     const QString folder = outputFolder_.toLocalFile();
     // Staged files are shown in a stand-in for the run folder a real run

@@ -184,6 +184,9 @@ void AppModel::removeClip(const QUuid& id)
     QList<ClipItem> remaining = clips_;
     remaining.removeAt(position);
     setClips(std::move(remaining));
+    // A line about this clip would now talk about nothing in the list.
+    if (statusClip_ == id)
+        setStatusMessage(QString());
     // Another clip's removal leaves the selection, and what plays, alone.
     if (selectedClipID_ == id)
         selectAfterRemoval(position);

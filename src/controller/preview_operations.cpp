@@ -201,7 +201,7 @@ QCoro::Task<void> AppModel::extractSourceFrame(QUuid clipID, QUrl url, double du
             // The previous still stays; preview failures never raise an alert.
             if (!stop.stop_requested() && !isCancellation(failure) && selectedClipID_ == clipID
                 && !selectedClip()->readError)
-                setStatusMessage(QStringLiteral("This file can't be previewed: ") + stillFailure(failure, url));
+                setStatusMessage(QStringLiteral("This file can't be previewed: ") + stillFailure(failure, url), clipID);
             setIsPreviewing(false);
             co_return;
         }

@@ -27,6 +27,7 @@ void AppModel::setWatermark(const QUrl& url)
     }
     watermarkImage_ = std::move(image);
     stagedWatermark_.reset();
+    ++lookChoices_;
     Q_EMIT watermarkPreviewChanged();
 
     placeWatermarkByDefault(url, 1.0);

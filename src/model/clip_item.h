@@ -6,6 +6,7 @@
 
 #include "model/media_info.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QUrl>
 #include <QUuid>
@@ -52,6 +53,9 @@ struct ClipItem {
     double progress = 0;
     std::optional<QString> errorMessage;
     std::optional<QUrl> outputURL;
+    // What the export at outputURL was made from (a digest; see the batch's
+    // selection rules): unchanged since means there is nothing to redo.
+    std::optional<QByteArray> exportedAs;
     // Why the file could not be read when it was probed, in one line; such
     // a clip shows the reason in its row and on the stage, not a preview.
     std::optional<QString> readError;

@@ -90,7 +90,7 @@ QString ClipRowDelegate::cutText(const ClipItem& clip, const QFont& base, int ro
     int needed = clip.isTrimmed() ? std::min(12, caption.height()) + itemGap : 0;
     for (const QString& item : items)
         needed += caption.horizontalAdvance(item) + itemGap;
-    const int nameRoom = width - (clip.status != ClipStatus::ready ? statusIconSize + itemGap : 0);
+    const int nameRoom = width - (clip.status != ClipStatus::ready || clip.readError ? statusIconSize + itemGap : 0);
     if (needed - itemGap <= width && QFontMetrics(lines.nameFont).horizontalAdvance(clip.name) <= nameRoom)
         return {};
     return clip.name + QLatin1Char('\n') + items.join(QStringLiteral(" \u00B7 "));
@@ -161,7 +161,7 @@ void ClipRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
     const int firstHeight = std::max(nameMetrics.height(), statusIconSize);
     const QRect iconBox(content.right() - statusIconSize + 1, y + (firstHeight - statusIconSize) / 2,
                         statusIconSize, statusIconSize);
-    const bool hasIcon = clip.status != ClipStatus::ready;
+    const bool hasIcon = clip.status != ClipStatus::ready || clip.readError;
     const int nameWidth = content.width() - (hasIcon ? statusIconSize + itemGap : 0);
     painter->setFont(lines.nameFont);
     painter->setPen(primary);
@@ -169,6 +169,8 @@ void ClipRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
                       nameMetrics.elidedText(clip.name, Qt::ElideMiddle, nameWidth));
     switch (clip.status) {
     case ClipStatus::ready:
+        if (clip.readError)
+            icons::colored(QStringLiteral("tavrelune-unreadable")).paint(painter, iconBox);
         break;
     case ClipStatus::converting:
         paintSpinner(*painter, iconBox, primary, clock_.elapsed());

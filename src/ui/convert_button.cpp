@@ -35,19 +35,30 @@ ConvertButton::ConvertButton(AppModel& model, QWidget* parent) : QPushButton(par
     follow();
 }
 
-QString ConvertButton::title(const EncodeSettings& settings, qsizetype clipCount, bool converting)
+QString ConvertButton::title(const EncodeSettings& settings, qsizetype clipCount, bool converting,
+                             std::optional<qsizetype> remaining)
 {
     if (converting)
         return QStringLiteral("Working\u2026");
     if (settings.concatenateClips && clipCount >= 2)
         return QStringLiteral("Export one video");
+    if (remaining && *remaining > 0)
+        return QStringLiteral("Convert %1 remaining").arg(*remaining);
+    if (remaining)
+        return QStringLiteral("All converted");
     return QStringLiteral("Convert all");
 }
 
 void ConvertButton::follow()
 {
     const bool converting = model_.isConverting();
-    setText(title(model_.settings(), model_.clips().size(), converting));
+    const int upToDate = model_.upToDateCount();
+    const std::optional<qsizetype> remaining =
+        upToDate > 0 ? std::optional<qsizetype>(model_.clipsToConvert().size()) : std::nullopt;
+    setText(title(model_.settings(), model_.clips().size(), converting, remaining));
+    setToolTip(remaining && *remaining == 0 ? QStringLiteral("Every clip is converted and unchanged since; "
+                                                             "Export \u25B8 Convert All Again makes them again.")
+                                            : QString());
     setEnabled(model_.canConvert());
     if (converting) {
         if (!spinnerTimer_->isActive()) {

@@ -8,6 +8,7 @@
 
 #include <QElapsedTimer>
 #include <QPushButton>
+#include <optional>
 
 class QTimer;
 
@@ -23,7 +24,10 @@ class ConvertButton : public QPushButton {
 public:
     explicit ConvertButton(AppModel& model, QWidget* parent = nullptr);
 
-    static QString title(const EncodeSettings& settings, qsizetype clipCount, bool converting);
+    // `remaining`: how many clips Convert would make when some others are
+    // already converted and unchanged ("Convert 2 remaining").
+    static QString title(const EncodeSettings& settings, qsizetype clipCount, bool converting,
+                         std::optional<qsizetype> remaining = std::nullopt);
 
 private:
     void follow();

@@ -51,6 +51,7 @@ MainMenus::MainMenus(AppModel& model, QMainWindow& window, TimeDisplay& times)
 
     QMenu* exportMenu = bar->addMenu(QStringLiteral("&Export"));
     convertAll_ = addItem(exportMenu, QStringLiteral("Convert All"), QKeySequence(Qt::CTRL | Qt::Key_R));
+    convertAllAgain_ = addItem(exportMenu, QStringLiteral("Convert All Again"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
     stop_ = addItem(exportMenu, QStringLiteral("Stop"), QKeySequence(Qt::CTRL | Qt::Key_Period));
 
     QMenu* help = bar->addMenu(QStringLiteral("&Help"));
@@ -65,6 +66,7 @@ MainMenus::MainMenus(AppModel& model, QMainWindow& window, TimeDisplay& times)
     connect(playPause_, &QAction::triggered, this, &MainMenus::togglePlayback);
     connect(playAll_, &QAction::triggered, this, &MainMenus::togglePlayAll);
     connect(convertAll_, &QAction::triggered, &model_, &AppModel::startConversion);
+    connect(convertAllAgain_, &QAction::triggered, &model_, &AppModel::convertAllAgain);
     connect(stop_, &QAction::triggered, &model_, &AppModel::cancelConversion);
     connect(about_, &QAction::triggered, this, &MainMenus::showAbout);
 
@@ -72,6 +74,7 @@ MainMenus::MainMenus(AppModel& model, QMainWindow& window, TimeDisplay& times)
     connect(&model_, &AppModel::selectedClipIDChanged, this, &MainMenus::refresh);
     connect(&model_, &AppModel::isConvertingChanged, this, &MainMenus::refresh);
     connect(&model_, &AppModel::canConvertChanged, this, &MainMenus::refresh);
+    connect(&model_, &AppModel::batchEnded, this, &MainMenus::refresh);
     connect(&model_, &AppModel::isPlayingAllChanged, this, &MainMenus::refresh);
     connect(&model_.clock(), &PreviewClock::isPlayingChanged, this, &MainMenus::refresh);
     connect(&model_.clock(), &PreviewClock::isPlayableChanged, this, &MainMenus::refresh);
@@ -88,6 +91,7 @@ void MainMenus::refresh()
     playAll_->setText(model_.isPlayingAll() ? QStringLiteral("Stop Play All") : QStringLiteral("Play All"));
     playAll_->setEnabled(!model_.clips().isEmpty() && !converting);
     convertAll_->setEnabled(model_.canConvert());
+    convertAllAgain_->setEnabled(model_.canConvertAgain());
     stop_->setEnabled(converting);
 }
 

@@ -34,6 +34,7 @@ public:
     QAction* playAll() const { return playAll_; }
     QAction* showTimecode() const { return showTimecode_; }
     QAction* convertAll() const { return convertAll_; }
+    QAction* convertAllAgain() const { return convertAllAgain_; }
     QAction* stop() const { return stop_; }
     QAction* about() const { return about_; }
 
@@ -54,6 +55,7 @@ private:
     QAction* playAll_;
     QAction* showTimecode_;
     QAction* convertAll_;
+    QAction* convertAllAgain_;
     QAction* stop_;
     QAction* about_;
 };

@@ -55,8 +55,9 @@ TEST_F(ControllerTest, SeparateFilesAreNamedAfterTheirSourceAndNeverOverwritten)
     EXPECT_EQ(model->conversionFraction(), 1.0);
     EXPECT_FALSE(model->isConverting());
 
-    convert();
-    convert();
+    EXPECT_FALSE(model->canConvert()) << "nothing changed since";
+    convertAgain();
+    convertAgain();
     EXPECT_EQ(outputNames(), (QStringList{"a_graded-2.mp4", "a_graded-3.mp4", "a_graded.mp4",
                                           "b_graded-2.mp4", "b_graded-3.mp4", "b_graded.mp4"}));
 }
@@ -130,20 +131,23 @@ TEST_F(ControllerTest, CombinedBatchJoinsTrimmedPartsInOrder)
     }
 }
 
-TEST_F(ControllerTest, AFailingClipEndsTheCombinedBatch)
+TEST_F(ControllerTest, AFailingClipEndsTheCombinedBatchAndAnUnreadableOneIsLeftOut)
 {
-    addAndProbe({clip("good1.mov", {.seconds = 0.3}), root.write("bad.mov", "not a movie"),
-                 clip("good2.mov", {.seconds = 0.3})});
+    const QString vanishing = clip("good2.mov", {.seconds = 0.3});
+    addAndProbe({clip("good1.mov", {.seconds = 0.3}), root.write("bad.mov", "not a movie"), vanishing,
+                 clip("good3.mov", {.seconds = 0.3})});
     EncodeSettings settings = model->settings();
     settings.concatenateClips = true;
     model->setSettings(settings);
+    QFile::remove(vanishing);
     convert();
 
     EXPECT_EQ(clipAt(0).status, ClipStatus::ready) << "its part was made, never joined";
-    EXPECT_EQ(clipAt(1).status, ClipStatus::failed);
-    EXPECT_EQ(clipAt(2).status, ClipStatus::ready);
-    EXPECT_TRUE(clipAt(1).errorMessage.value_or("").contains("Invalid data"));
-    EXPECT_EQ(model->errorMessage(), *clipAt(1).errorMessage);
+    EXPECT_EQ(clipAt(1).status, ClipStatus::ready) << "unreadable: never part of the batch";
+    EXPECT_EQ(clipAt(2).status, ClipStatus::failed);
+    EXPECT_EQ(clipAt(3).status, ClipStatus::ready) << "a join needs every part: the batch stops";
+    EXPECT_TRUE(clipAt(2).errorMessage.value_or("").contains("No such file"));
+    EXPECT_EQ(model->errorMessage(), *clipAt(2).errorMessage);
     EXPECT_EQ(model->statusMessage(), "Finished: 0 succeeded, 1 failed.");
     EXPECT_TRUE(outputNames().isEmpty());
     EXPECT_TRUE(outputEntries().isEmpty()) << "parts and claims removed";
@@ -184,7 +188,8 @@ TEST_F(ControllerTest, LookUpTableIsStagedOnceAndAgainAfterANewChoice)
     stagedFile.close();
 
     root.write("looks/warm.CUBE", identityCube);
-    convert();
+    EXPECT_FALSE(model->canConvert()) << "a LUT edited in place is read when chosen again";
+    convertAgain();
     ASSERT_TRUE(stagedFile.open(QIODevice::ReadOnly));
     EXPECT_EQ(stagedFile.readAll(), QByteArray(warmCube)) << "the staged copy is reused";
     stagedFile.close();
@@ -316,8 +321,9 @@ TEST_F(ControllerTest, AnFfmpegKilledThatNobodyStoppedFailsItsClip)
     convert();
     EXPECT_EQ(clipAt(0).status, ClipStatus::failed);
     EXPECT_EQ(clipAt(0).errorMessage, "ffmpeg ended unexpectedly (signal 9).");
+    EXPECT_EQ(clipAt(1).status, ClipStatus::failed) << "the batch goes on to the next clip";
     EXPECT_EQ(model->errorMessage(), "ffmpeg ended unexpectedly (signal 9).");
-    EXPECT_EQ(model->statusMessage(), "Finished: 0 succeeded, 1 failed.");
+    EXPECT_EQ(model->statusMessage(), "Finished: 0 succeeded, 2 failed.");
 }
 
 TEST_F(ControllerTest, ABatchThatWouldNotFitIsNotStarted)
@@ -404,7 +410,7 @@ TEST_F(ControllerTest, AnOutputShorterThanItsClipFailsAndIsRemoved)
     EXPECT_TRUE(message.starts_with("Output check failed: expected 1.0 s, the file holds 0.")) << message;
     EXPECT_EQ(clipAt(0).status, ClipStatus::failed);
     EXPECT_EQ(clipAt(0).errorMessage.value_or("").toStdString(), message);
-    EXPECT_EQ(clipAt(1).status, ClipStatus::ready) << "the batch stops";
+    EXPECT_EQ(clipAt(1).status, ClipStatus::failed) << "the batch goes on and fails it too";
     EXPECT_TRUE(outputEntries().isEmpty()) << "neither the file nor its claim is left: "
                                           << outputEntries().join(", ").toStdString();
 }

@@ -107,6 +107,8 @@ TEST_F(ControllerTest, CanConvertNeedsClipsAFolderAndNoRunningBatch)
     QSignalSpy changes(model.get(), &AppModel::canConvertChanged);
     EXPECT_FALSE(model->canConvert());
     addAndProbe({root.write("a.mov", "x")});
+    EXPECT_FALSE(model->canConvert()) << "an unreadable clip writes nothing";
+    addAndProbe({clip("b.mov", {.seconds = 0.3})});
     EXPECT_TRUE(model->canConvert());
     model->setOutputFolder(QUrl());
     EXPECT_FALSE(model->canConvert());

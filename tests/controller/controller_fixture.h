@@ -102,6 +102,12 @@ protected:
         waitForTask(model->conversionFinished());
     }
 
+    void convertAgain()
+    {
+        model->convertAllAgain();
+        waitForTask(model->conversionFinished());
+    }
+
     QStringList outputNames() const
     {
         return QDir(outputFolder()).entryList(QDir::Files, QDir::Name);

@@ -79,10 +79,10 @@ TEST_F(ControllerTest, ExportedWatermarkIsStagedOnceAndLandsWhereItWasPlaced)
     EXPECT_LT(qGray(image.pixel(280, 120)), 40) << "below it";
 
     const QDateTime stagedAt = QFileInfo(staged).lastModified();
-    convert();
+    convertAgain();
     EXPECT_EQ(QFileInfo(staged).lastModified(), stagedAt) << "reused, not rendered again";
     QFile::remove(staged);
-    convert();
+    convertAgain();
     EXPECT_TRUE(QFile::exists(staged)) << "rendered again once deleted";
 }
 

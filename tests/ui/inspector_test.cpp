@@ -9,6 +9,7 @@
 #include "ui/inspector.h"
 #include "ui/live_slider.h"
 #include "ui/lut_card.h"
+#include "ui/main_menus.h"
 #include "ui/output_folder_card.h"
 #include "ui/path_label.h"
 #include "ui/segmented_control.h"
@@ -257,4 +258,26 @@ TEST_F(InspectorTest, ConvertStaysInReachAndTheWheelScrollsPastUnfocusedControls
     QWheelEvent wheel(over, quality.mapToGlobal(over), {}, {0, -120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
     QApplication::sendEvent(&quality, &wheel);
     EXPECT_NE(model->settings().quality, before) << "a focused list still takes the wheel";
+}
+
+TEST_F(InspectorTest, ConvertMakesOnlyWhatChangedSinceAndSaysHowMany)
+{
+    addClips(3);
+    ui::ConvertButton& button = *inspector().convertButton();
+    convert();
+    EXPECT_EQ(button.text(), "All converted");
+    EXPECT_FALSE(button.isEnabled());
+    EXPECT_TRUE(window->menus()->convertAllAgain()->isEnabled());
+
+    model->updateClip(clipAt(1).id, [](ClipItem& clip) { clip.exposure = 0.5; });
+    EXPECT_EQ(button.text(), "Convert 1 remaining");
+    QTest::mouseClick(&button, Qt::LeftButton);
+    waitForTask(model->conversionFinished());
+    EXPECT_EQ(model->statusMessage(), "Done: converted 1 clip.");
+    EXPECT_EQ(outputNames(), (QStringList{"clip1_graded.mp4", "clip2_graded-2.mp4", "clip2_graded.mp4",
+                                          "clip3_graded.mp4"}));
+
+    window->menus()->convertAllAgain()->trigger();
+    waitForTask(model->conversionFinished());
+    EXPECT_EQ(model->statusMessage(), "Done: converted 3 clips.");
 }
