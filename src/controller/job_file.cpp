@@ -331,6 +331,68 @@ ConvertJob parseConvertJob(const QByteArray& json, const QString& baseFolder)
     return job;
 }
 
+namespace {
+
+void put(QJsonObject& object, const QString& key, const std::optional<double>& value)
+{
+    if (value)
+        object.insert(key, *value);
+}
+
+void put(QJsonObject& object, const QString& key, const std::optional<bool>& value)
+{
+    if (value)
+        object.insert(key, *value);
+}
+
+void put(QJsonObject& object, const QString& key, const std::optional<QString>& value)
+{
+    if (value)
+        object.insert(key, *value);
+}
+
+}  // namespace
+
+QByteArray convertJobText(const ConvertJob& job)
+{
+    QJsonObject top;
+    put(top, "outputFolder", job.outputFolder);
+    QJsonObject settings;
+    const SettingsChoice& s = job.settings;
+    if (s.codec)
+        settings.insert("codec", caseName(*s.codec));
+    if (s.quality)
+        settings.insert("quality", caseName(*s.quality));
+    put(settings, "copyAudio", s.copyAudio);
+    put(settings, "removeAudio", s.removeAudio);
+    put(settings, "concatenateClips", s.concatenateClips);
+    put(settings, "matchPreview", s.matchPreview);
+    if (!settings.isEmpty())
+        top.insert("settings", settings);
+    put(top, "lut", job.lut);
+    QJsonObject watermark;
+    put(watermark, "url", job.watermark.url);
+    put(watermark, "x", job.watermark.x);
+    put(watermark, "y", job.watermark.y);
+    put(watermark, "widthFraction", job.watermark.widthFraction);
+    put(watermark, "opacity", job.watermark.opacity);
+    if (!watermark.isEmpty())
+        top.insert("watermark", watermark);
+    QJsonArray clips;
+    for (const JobClip& clip : job.clips) {
+        QJsonObject entry{{"url", clip.url}};
+        put(entry, "exposure", clip.grade.exposure);
+        put(entry, "contrast", clip.grade.contrast);
+        put(entry, "saturation", clip.grade.saturation);
+        put(entry, "temperature", clip.grade.temperature);
+        put(entry, "inPoint", clip.inPoint);
+        put(entry, "outPoint", clip.outPoint);
+        clips.append(entry);
+    }
+    top.insert("clips", clips);
+    return QJsonDocument(top).toJson(QJsonDocument::Indented);
+}
+
 ConvertJob readConvertJob(const QString& path)
 {
     QFile file(path);

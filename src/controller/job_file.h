@@ -94,4 +94,9 @@ ConvertJob parseConvertJob(const QByteArray& json, const QString& baseFolder);
 // Reads and parses the file at `path`. Throws JobFileError.
 ConvertJob readConvertJob(const QString& path);
 
+// The job as JSON text that parseConvertJob reads back equal (paths as
+// given: the window gives absolute ones, so the file can move). Absent
+// values are left out.
+QByteArray convertJobText(const ConvertJob& job);
+
 }  // namespace tavrelune
