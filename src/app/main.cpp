@@ -93,6 +93,7 @@ int main(int argc, char** argv)
     tavrelune::ui::MainWindow window(model);
     tavrelune::ui::DesktopIntegration desktop(&window);
     model.setDesktopServices(&desktop);
+    window.jobDocument().setDesktopServices(&desktop);
     QSettings store(QStringLiteral("tavrelune"), QStringLiteral("tavrelune"));
     tavrelune::ui::RememberedSettings remembered(store, model, window);
     model.startEncoderDetection();

@@ -8,6 +8,7 @@
 #include "cli/progress_printer.h"
 #include "cli/standard_output.h"
 #include "controller/app_model.h"
+#include "controller/job_application.h"
 #include "async/blocking_wait.h"
 #include "async/next_signal.h"
 #include "grading/cube_lut.h"
@@ -101,38 +102,6 @@ std::optional<QString> outputFolderProblem(const QString& folder)
     if (existing.absoluteFilePath() == QFileInfo(folder).absoluteFilePath())
         return folder + ": not a folder";
     return folder + ": " + existing.absoluteFilePath() + " is not a folder";
-}
-
-// Grade and trim onto the probed clips (the trim is limited by the probed
-// duration).
-void applyClipEdits(AppModel& model, const QList<JobClip>& edits)
-{
-    const QList<ClipItem> clips = model.clips();
-    for (const ClipItem& clip : clips) {
-        const QString path = clip.url.toLocalFile();
-        const auto edit = std::find_if(edits.begin(), edits.end(),
-                                       [&path](const JobClip& candidate) { return candidate.url == path; });
-        if (edit != edits.end())
-            model.updateClip(clip.id, [&edit](ClipItem& stored) { edit->applyTo(stored); });
-    }
-    // The batch starts by committing the sliders into the selected clip, as
-    // when the user presses Convert. The sliders must therefore show that
-    // clip's stored grade, as they do after selecting it in the window;
-    // otherwise the first clip would lose its grade. (selectClip would commit
-    // the old slider values first, so it cannot be used here.)
-    if (const auto selected = model.selectedClip())
-        model.liveGrade().copyFrom(*selected);
-}
-
-void placeWatermark(AppModel& model, const WatermarkChoice& choice)
-{
-    if (choice.x || choice.y || choice.widthFraction) {
-        const WatermarkSettings& current = model.watermark();
-        model.updateWatermarkLayout(choice.x.value_or(current.x), choice.y.value_or(current.y),
-                                    choice.widthFraction);
-    }
-    if (choice.opacity)
-        model.updateWatermarkOpacity(*choice.opacity);
 }
 
 void complainOfOutput(int error)

@@ -5,7 +5,7 @@
 // the controller stores them.
 #pragma once
 
-#include "cli/job_file.h"
+#include "controller/job_file.h"
 
 #include <QStringList>
 

@@ -14,9 +14,4 @@ std::optional<double> finiteNumber(const QString& text)
     return value;
 }
 
-QString rangeText(const GradeRange& range)
-{
-    return QStringLiteral("%1 to %2").arg(QString::number(range.minimum), QString::number(range.maximum));
-}
-
 }  // namespace tavrelune::cli

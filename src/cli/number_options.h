@@ -15,15 +15,6 @@ namespace tavrelune::cli {
 // A finite number in the C locale (surrounding spaces allowed), or nothing.
 std::optional<double> finiteNumber(const QString& text);
 
-// The watermark values the command line and job files accept: a position
-// inside the frame (the window then keeps the whole image inside it, as
-// when dragging), and the width and opacity the window's handles allow.
-inline constexpr GradeRange watermarkPositionRange{0, 1};
-inline constexpr GradeRange watermarkWidthRange{WatermarkSettings::minimumWidthFraction,
-                                                WatermarkSettings::maximumWidthFraction};
-inline constexpr GradeRange watermarkOpacityRange{WatermarkSettings::minimumOpacity,
-                                                  WatermarkSettings::maximumOpacity};
-
 // `Target` is double or std::optional<double>.
 template <typename Target>
 struct NumberOption {
@@ -31,9 +22,6 @@ struct NumberOption {
     Target* target;
     std::optional<GradeRange> range = {};  // none: any finite number
 };
-
-// "-3 to 3", for messages about a value outside a range.
-QString rangeText(const GradeRange& range);
 
 // Stores every given option's value in its target. Returns the message for
 // the first value that is not a finite number ("--exposure: 'x' is not a
@@ -52,7 +40,7 @@ std::optional<QString> readNumberOptions(const QCommandLineParser& parser,
             return QStringLiteral("--%1: '%2' is not a number").arg(number.option.names().constFirst(), text);
         if (number.range && !number.range->contains(*value))
             return QStringLiteral("--%1: %2 is outside %3")
-                .arg(number.option.names().constFirst(), text.trimmed(), rangeText(*number.range));
+                .arg(number.option.names().constFirst(), text.trimmed(), number.range->text());
         *number.target = *value;
     }
     return std::nullopt;

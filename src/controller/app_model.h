@@ -128,6 +128,8 @@ public:
     // --- derived ---
     std::optional<ClipItem> selectedClip() const;
     std::optional<int> selectedIndex() const;
+    // From Convert until the batch's last step has ended.
+    bool isBatchRunning() const { return batchRunning_; }
     // False while a batch runs, and while a stopped one still winds down,
     // and when every clip is converted and unchanged since.
     bool canConvert() const;

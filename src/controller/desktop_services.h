@@ -13,13 +13,15 @@
 namespace tavrelune {
 
 struct ChooserRequest {
-    enum class Mode { oneFile, manyFiles, folder };
+    // saveFile: a new or existing file to write, starting at suggestedPath.
+    enum class Mode { oneFile, manyFiles, folder, saveFile };
     Mode mode = Mode::oneFile;
     QString message;           // shown in the chooser
     QString confirmLabel;      // empty: the chooser's own
     QStringList extensions;    // lower case, no dot; empty: any file
     bool audioVisualOnly = false;
     bool canCreateFolders = false;
+    QString suggestedPath;     // saveFile only
 
     bool operator==(const ChooserRequest&) const = default;
 };

@@ -7,6 +7,7 @@
 // left out rather than applied as an identity.
 #pragma once
 
+#include <QString>
 #include <algorithm>
 #include <cmath>
 
@@ -44,6 +45,11 @@ struct GradeRange {
 
     // Not-a-number is never inside.
     bool contains(double value) const { return value >= minimum && value <= maximum; }
+    // "-3 to 3", for messages about a value outside the range.
+    QString text() const
+    {
+        return QStringLiteral("%1 to %2").arg(QString::number(minimum), QString::number(maximum));
+    }
 };
 
 inline constexpr GradeRange exposureRange{-3, 3};

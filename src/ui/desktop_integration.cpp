@@ -35,8 +35,16 @@ QStringList DesktopIntegration::choose(const ChooserRequest& request)
         dialog.setFileMode(QFileDialog::Directory);
         dialog.setOption(QFileDialog::ShowDirsOnly, true);
         break;
+    case ChooserRequest::Mode::saveFile:
+        dialog.setAcceptMode(QFileDialog::AcceptSave);
+        dialog.setFileMode(QFileDialog::AnyFile);
+        if (!request.extensions.isEmpty())
+            dialog.setDefaultSuffix(request.extensions.first());
+        if (!request.suggestedPath.isEmpty())
+            dialog.selectFile(request.suggestedPath);
+        break;
     }
-    if (!request.canCreateFolders)
+    if (!request.canCreateFolders && request.mode != ChooserRequest::Mode::saveFile)
         dialog.setOption(QFileDialog::ReadOnly, request.mode != ChooserRequest::Mode::folder);
     if (!request.confirmLabel.isEmpty())
         dialog.setLabelText(QFileDialog::Accept, request.confirmLabel);

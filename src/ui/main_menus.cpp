@@ -31,6 +31,13 @@ MainMenus::MainMenus(AppModel& model, QMainWindow& window, TimeDisplay& times)
 
     QMenu* file = bar->addMenu(QStringLiteral("&File"));
     addClips_ = addItem(file, "Add Clips" + ellipsis, QKeySequence(Qt::CTRL | Qt::Key_O));
+    file->addSeparator();
+    // The window answers these: each may first ask about unsaved changes.
+    openJob_ = addItem(file, "Open Job" + ellipsis, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O));
+    openRecent_ = file->addMenu(QStringLiteral("Open Recent"));
+    saveJob_ = addItem(file, QStringLiteral("Save Job"), QKeySequence(Qt::CTRL | Qt::Key_S));
+    saveJobAs_ = addItem(file, "Save Job As" + ellipsis, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
+    file->addSeparator();
     chooseLUT_ = addItem(file, "Choose LUT" + ellipsis, QKeySequence(Qt::CTRL | Qt::Key_L));
     chooseWatermark_ = addItem(file, "Choose Watermark" + ellipsis, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W));
     file->addSeparator();

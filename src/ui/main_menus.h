@@ -10,6 +10,7 @@
 #include <QObject>
 
 class QAction;
+class QMenu;
 class QMainWindow;
 
 namespace tavrelune {
@@ -26,6 +27,10 @@ public:
     MainMenus(AppModel& model, QMainWindow& window, TimeDisplay& times);
 
     QAction* addClips() const { return addClips_; }
+    QAction* openJob() const { return openJob_; }
+    QMenu* openRecent() const { return openRecent_; }
+    QAction* saveJob() const { return saveJob_; }
+    QAction* saveJobAs() const { return saveJobAs_; }
     QAction* chooseLUT() const { return chooseLUT_; }
     QAction* chooseWatermark() const { return chooseWatermark_; }
     QAction* quit() const { return quit_; }
@@ -47,6 +52,10 @@ private:
     AppModel& model_;
     QMainWindow& window_;
     QAction* addClips_;
+    QAction* openJob_;
+    QMenu* openRecent_;
+    QAction* saveJob_;
+    QAction* saveJobAs_;
     QAction* chooseLUT_;
     QAction* chooseWatermark_;
     QAction* quit_;

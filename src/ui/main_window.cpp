@@ -12,6 +12,7 @@
 
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
@@ -43,9 +44,9 @@ void constrain(QWidget* pane, const PaneWidths& widths)
 
 }  // namespace
 
-MainWindow::MainWindow(AppModel& model, QWidget* parent) : QMainWindow(parent), model_(model)
+MainWindow::MainWindow(AppModel& model, QWidget* parent)
+    : QMainWindow(parent), model_(model), jobDocument_(model)
 {
-    setWindowTitle(QStringLiteral("Tavrelune"));
     setAcceptDrops(true);
 
     clipList_ = new ClipListPane(model_, &timeDisplay_);
@@ -80,12 +81,66 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent) : QMainWindow(parent), 
     setCentralWidget(content);
 
     menus_ = new MainMenus(model_, *this, timeDisplay_);
+    connect(menus_->saveJob(), &QAction::triggered, &jobDocument_, &JobDocument::save);
+    connect(menus_->saveJobAs(), &QAction::triggered, &jobDocument_, &JobDocument::saveAs);
+    connect(menus_->openJob(), &QAction::triggered, this, [this] {
+        if (settleUnsavedChanges())
+            jobDocument_.chooseAndOpen();
+    });
+    connect(&jobDocument_, &JobDocument::pathChanged, this, &MainWindow::followJob);
+    connect(&jobDocument_, &JobDocument::modifiedChanged, this, &MainWindow::followJob);
+    connect(&jobDocument_, &JobDocument::recentJobsChanged, this, &MainWindow::fillRecentMenu);
+    followJob();
+    fillRecentMenu();
     errorAlert_ = new ErrorAlert(model_, *this);
     connect(&model_, &AppModel::trimWindowTokenChanged, this, &MainWindow::openTrimWindow);
     resize(defaultSize.width(), defaultSize.height() + menuBar()->sizeHint().height());
 }
 
 MainWindow::~MainWindow() = default;
+
+void MainWindow::followJob()
+{
+    const QString path = jobDocument_.path();
+    setWindowTitle(path.isEmpty() ? QStringLiteral("Tavrelune[*]")
+                                  : QFileInfo(path).fileName() + QStringLiteral("[*] \u2014 Tavrelune"));
+    setWindowModified(jobDocument_.isModified());
+}
+
+void MainWindow::fillRecentMenu()
+{
+    QMenu* menu = menus_->openRecent();
+    menu->clear();
+    for (const QString& path : jobDocument_.recentJobs())
+        connect(menu->addAction(path), &QAction::triggered, this, [this, path] { openJob(path); });
+    menu->setEnabled(!menu->isEmpty());
+}
+
+void MainWindow::openJob(const QString& path)
+{
+    if (settleUnsavedChanges())
+        jobDocument_.open(path);
+}
+
+bool MainWindow::settleUnsavedChanges()
+{
+    if (!jobDocument_.isModified())
+        return true;
+    QMessageBox box(QMessageBox::Question, QStringLiteral("Save changes to this job?"),
+                    QStringLiteral("Save changes to this job?"), QMessageBox::NoButton, this);
+    box.setInformativeText(QStringLiteral("The clips, their grades and trims, the LUT, the watermark and the "
+                                          "export settings are lost unless saved as a job."));
+    box.setObjectName(QStringLiteral("saveChangesQuestion"));
+    QPushButton* save = box.addButton(QStringLiteral("Save"), QMessageBox::AcceptRole);
+    QPushButton* discard = box.addButton(QStringLiteral("Don\u2019t Save"), QMessageBox::DestructiveRole);
+    QPushButton* cancel = box.addButton(QMessageBox::Cancel);
+    box.setDefaultButton(save);
+    box.setEscapeButton(cancel);
+    box.exec();
+    if (box.clickedButton() == save)
+        return jobDocument_.save();
+    return box.clickedButton() == discard;
+}
 
 void MainWindow::openTrimWindow()
 {
@@ -129,6 +184,10 @@ void MainWindow::dropEvent(QDropEvent* event)
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
+    if (!settleUnsavedChanges()) {
+        event->ignore();
+        return;
+    }
     if (model_.isConverting()) {
         const QString whatHappens =
             model_.settings().concatenateClips && model_.clips().size() > 1

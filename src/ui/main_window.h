@@ -7,6 +7,7 @@
 // batch state. The controller must outlive the window.
 #pragma once
 
+#include "controller/job_document.h"
 #include "ui/preview_pane.h"
 #include "ui/time_display.h"
 #include "ui/trim_window.h"
@@ -47,6 +48,14 @@ public:
     // The "In & Out" window once it has been asked for, else null.
     TrimWindow* trimWindow() const { return trimWindow_; }
     TimeDisplay& timeDisplay() { return timeDisplay_; }
+    JobDocument& jobDocument() { return jobDocument_; }
+
+    // Before work is replaced or the window closes: with unsaved changes,
+    // asks "Save changes to this job?" and saves when told to. False when
+    // the user cancels (or the save did not happen).
+    bool settleUnsavedChanges();
+    // Opens a job file (asking first about unsaved changes).
+    void openJob(const QString& path);
     // Where the "In & Out" window of `size` opens: beside this window on
     // its screen (right, else left), else over the preview and inspector,
     // never over the clip list.
@@ -59,9 +68,12 @@ protected:
 
 private:
     void openTrimWindow();
+    void followJob();
+    void fillRecentMenu();
 
     AppModel& model_;
     TimeDisplay timeDisplay_;
+    JobDocument jobDocument_;
     QSplitter* splitter_;
     ClipListPane* clipList_;
     PreviewPane* preview_;

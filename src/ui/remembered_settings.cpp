@@ -19,6 +19,7 @@ const QString removeAudioKey = QStringLiteral("export/removeAudio");
 const QString matchPreviewKey = QStringLiteral("export/matchPreview");
 const QString geometryKey = QStringLiteral("window/geometry");
 const QString panesKey = QStringLiteral("window/panes");
+const QString recentJobsKey = QStringLiteral("jobs/recent");
 
 void readBool(const QSettings& store, const QString& key, bool& target)
 {
@@ -35,6 +36,10 @@ RememberedSettings::RememberedSettings(QSettings& store, AppModel& model, MainWi
     restore();
     connect(&model_, &AppModel::settingsChanged, this, &RememberedSettings::saveChoices);
     connect(&model_, &AppModel::outputFolderChanged, this, &RememberedSettings::saveChoices);
+    connect(&window_.jobDocument(), &JobDocument::recentJobsChanged, this, [this] {
+        store_.setValue(recentJobsKey, window_.jobDocument().recentJobs());
+        store_.sync();
+    });
 }
 
 RememberedSettings::~RememberedSettings() { saveWindowShape(); }
@@ -57,6 +62,7 @@ void RememberedSettings::restore()
     if (!folder.isEmpty() && QDir(folder).exists())
         model_.setOutputFolder(QUrl::fromLocalFile(folder));
 
+    window_.jobDocument().setRecentJobs(store_.value(recentJobsKey).toStringList());
     if (const QByteArray geometry = store_.value(geometryKey).toByteArray(); !geometry.isEmpty())
         window_.restoreGeometry(geometry);
     if (const QByteArray panes = store_.value(panesKey).toByteArray(); !panes.isEmpty())

@@ -1,6 +1,7 @@
 // The window's choices that survive a restart: the output folder, the export
 // settings (codec, quality, combine, remove audio, match preview), the
-// window's size and place, and the widths of its panes. Read into the
+// window's size and place, the widths of its panes, and the jobs opened or
+// saved lately. Read into the
 // controller and the window when made; written whenever a choice changes,
 // and the window's shape when this object goes (the window closing).
 //

@@ -7,6 +7,8 @@
 // Aspects are width divided by height.
 #pragma once
 
+#include "grading/grade_values.h"
+
 #include <QString>
 #include <QUrl>
 #include <array>
@@ -69,5 +71,14 @@ inline constexpr std::array<WatermarkCorner, 4> allWatermarkCorners{
 QString rawValue(WatermarkCorner corner);
 // Exact match only.
 std::optional<WatermarkCorner> watermarkCornerFromRawValue(const QString& raw);
+
+// The watermark values the command line and job files accept: a position
+// inside the frame (the window then keeps the whole image inside it, as
+// when dragging), and the width and opacity the window's handles allow.
+inline constexpr GradeRange watermarkPositionRange{0, 1};
+inline constexpr GradeRange watermarkWidthRange{WatermarkSettings::minimumWidthFraction,
+                                                WatermarkSettings::maximumWidthFraction};
+inline constexpr GradeRange watermarkOpacityRange{WatermarkSettings::minimumOpacity,
+                                                  WatermarkSettings::maximumOpacity};
 
 }  // namespace tavrelune

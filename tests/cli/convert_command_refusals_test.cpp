@@ -1,7 +1,7 @@
 // What `tavrelune convert` (and `probe`) refuse before any clip is touched:
 // one line on standard error, status 2, nothing converted.
 #include "convert_sandbox.h"
-#include "qt_printers.h"
+#include "support/qt_printers.h"
 
 #include <gtest/gtest.h>
 

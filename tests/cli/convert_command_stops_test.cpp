@@ -2,7 +2,7 @@
 // a reader of the list of files that goes away, Ctrl-C while the clips are
 // still being probed, and streams closed before it starts.
 #include "convert_sandbox.h"
-#include "qt_printers.h"
+#include "support/qt_printers.h"
 #include "support/task_helpers.h"
 
 #include <QThread>

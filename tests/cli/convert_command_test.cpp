@@ -1,7 +1,7 @@
 // `tavrelune convert` run as a user runs it, on tiny clips with the real
 // ffmpeg behind a logging wrapper.
 #include "convert_sandbox.h"
-#include "qt_printers.h"
+#include "support/qt_printers.h"
 #include "support/task_helpers.h"
 
 #include <QDir>

@@ -3,6 +3,7 @@
 #include "window_fixture.h"
 
 #include "ui/clip_list_pane.h"
+#include "controller/job_file.h"
 #include "ui/error_alert.h"
 #include "ui/file_drop.h"
 #include "ui/main_menus.h"
@@ -17,6 +18,9 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QProgressBar>
+#include <QTimer>
+#include <QMenu>
+#include <QApplication>
 #include <QRegularExpression>
 #include <QPushButton>
 #include <QSplitter>
@@ -56,7 +60,8 @@ void expectMenus(const ui::MainMenus& menus, const MenuState& expected, const ch
 
 TEST_F(WindowTest, OpensAtItsDefaultSizeWithThePanesInTheirLimits)
 {
-    EXPECT_EQ(window->windowTitle(), "Tavrelune");
+    EXPECT_EQ(window->windowTitle(), "Tavrelune[*]");
+    EXPECT_FALSE(window->isWindowModified());
     EXPECT_EQ(window->centralWidget()->size(), ui::MainWindow::defaultSize);
     EXPECT_EQ(window->centralWidget()->minimumSize(), ui::MainWindow::minimumContentSize);
     const QList<int> widths = window->splitter()->sizes();
@@ -237,4 +242,37 @@ TEST_F(WindowTest, FilesDroppedOnTheWindowAreAddedInNameOrder)
         names << each.name;
     EXPECT_EQ(names, (QStringList{"Clip1.mp4", "clip2.mp4", "clip10.mp4"}));
     waitForTask(model->probesFinished());
+}
+
+TEST_F(WindowTest, SavingNamesTheWindowAndQuittingWithChangesAsksFirst)
+{
+    window->jobDocument().setDesktopServices(&desktop);
+    addClips(1);
+    EXPECT_TRUE(window->isWindowModified()) << "clips never saved";
+    const QString path = root.file("Day one.json");
+    desktop.answers << QStringList{path};
+    window->menus()->saveJob()->trigger();
+    EXPECT_EQ(desktop.requests.back().mode, ChooserRequest::Mode::saveFile);
+    EXPECT_EQ(window->windowTitle(), QString("Day one.json[*] ") + QChar(0x2014) + " Tavrelune");
+    EXPECT_FALSE(window->isWindowModified());
+    EXPECT_EQ(window->menus()->openRecent()->actions().size(), 1);
+
+    model->updateClip(clipAt(0).id, [](ClipItem& clip) { clip.exposure = 1; });
+    EXPECT_TRUE(window->isWindowModified());
+    const auto answerWith = [](const QString& button) {
+        QTimer::singleShot(0, [button] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr);
+            EXPECT_EQ(box->text(), "Save changes to this job?");
+            for (QAbstractButton* each : box->buttons())
+                if (each->text() == button)
+                    each->click();
+        });
+    };
+    answerWith("Cancel");
+    EXPECT_FALSE(window->close());
+    EXPECT_TRUE(window->isVisible());
+    answerWith(QString("Don") + QChar(0x2019) + "t Save");
+    EXPECT_TRUE(window->close());
+    EXPECT_EQ(readConvertJob(path).clips.first().grade.exposure, 0.0) << "not saved";
 }

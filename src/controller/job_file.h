@@ -1,5 +1,5 @@
-// The job file of `tavrelune convert`: a JSON description of a batch, read
-// into plain values before anything touches the controller.
+// The job file: a JSON description of a batch, as `tavrelune convert --job`
+// reads it and the window saves and opens it, held in plain values.
 //
 // Keys use the controller's own names. Every value is optional except a
 // clip's url: an absent key keeps the controller's default. Unknown keys,
@@ -14,7 +14,7 @@
 #include <QString>
 #include <optional>
 
-namespace tavrelune::cli {
+namespace tavrelune {
 
 // Fields set here replace the same fields of `target`.
 template <typename T>
@@ -94,4 +94,9 @@ ConvertJob parseConvertJob(const QByteArray& json, const QString& baseFolder);
 // Reads and parses the file at `path`. Throws JobFileError.
 ConvertJob readConvertJob(const QString& path);
 
-}  // namespace tavrelune::cli
+// The job as JSON text that parseConvertJob reads back equal (paths as
+// given: the window gives absolute ones, so the file can move). Absent
+// values are left out.
+QByteArray convertJobText(const ConvertJob& job);
+
+}  // namespace tavrelune

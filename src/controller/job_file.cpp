@@ -1,6 +1,6 @@
-#include "cli/job_file.h"
+#include "controller/job_file.h"
 
-#include "cli/number_options.h"
+#include "watermark/watermark_settings.h"
 #include "model/media_type.h"
 
 #include <QDir>
@@ -13,7 +13,7 @@
 #include <algorithm>
 #include <vector>
 
-namespace tavrelune::cli {
+namespace tavrelune {
 
 EncodeSettings SettingsChoice::appliedTo(EncodeSettings settings) const
 {
@@ -28,12 +28,12 @@ EncodeSettings SettingsChoice::appliedTo(EncodeSettings settings) const
 
 void SettingsChoice::overrideWith(const SettingsChoice& given)
 {
-    cli::overrideWith(codec, given.codec);
-    cli::overrideWith(quality, given.quality);
-    cli::overrideWith(copyAudio, given.copyAudio);
-    cli::overrideWith(removeAudio, given.removeAudio);
-    cli::overrideWith(concatenateClips, given.concatenateClips);
-    cli::overrideWith(matchPreview, given.matchPreview);
+    tavrelune::overrideWith(codec, given.codec);
+    tavrelune::overrideWith(quality, given.quality);
+    tavrelune::overrideWith(copyAudio, given.copyAudio);
+    tavrelune::overrideWith(removeAudio, given.removeAudio);
+    tavrelune::overrideWith(concatenateClips, given.concatenateClips);
+    tavrelune::overrideWith(matchPreview, given.matchPreview);
 }
 
 void GradeChoice::applyTo(ClipItem& clip) const
@@ -46,19 +46,19 @@ void GradeChoice::applyTo(ClipItem& clip) const
 
 void GradeChoice::overrideWith(const GradeChoice& given)
 {
-    cli::overrideWith(exposure, given.exposure);
-    cli::overrideWith(contrast, given.contrast);
-    cli::overrideWith(saturation, given.saturation);
-    cli::overrideWith(temperature, given.temperature);
+    tavrelune::overrideWith(exposure, given.exposure);
+    tavrelune::overrideWith(contrast, given.contrast);
+    tavrelune::overrideWith(saturation, given.saturation);
+    tavrelune::overrideWith(temperature, given.temperature);
 }
 
 void WatermarkChoice::overrideWith(const WatermarkChoice& given)
 {
-    cli::overrideWith(url, given.url);
-    cli::overrideWith(x, given.x);
-    cli::overrideWith(y, given.y);
-    cli::overrideWith(widthFraction, given.widthFraction);
-    cli::overrideWith(opacity, given.opacity);
+    tavrelune::overrideWith(url, given.url);
+    tavrelune::overrideWith(x, given.x);
+    tavrelune::overrideWith(y, given.y);
+    tavrelune::overrideWith(widthFraction, given.widthFraction);
+    tavrelune::overrideWith(opacity, given.opacity);
 }
 
 void JobClip::applyTo(ClipItem& clip) const
@@ -101,7 +101,7 @@ public:
     {
         const auto value = number(key);
         if (value && !range.contains(*value))
-            fail(keyPath(key), QStringLiteral("%1 is outside %2").arg(QString::number(*value), rangeText(range)));
+            fail(keyPath(key), QStringLiteral("%1 is outside %2").arg(QString::number(*value), range.text()));
         return value;
     }
 
@@ -331,6 +331,68 @@ ConvertJob parseConvertJob(const QByteArray& json, const QString& baseFolder)
     return job;
 }
 
+namespace {
+
+void put(QJsonObject& object, const QString& key, const std::optional<double>& value)
+{
+    if (value)
+        object.insert(key, *value);
+}
+
+void put(QJsonObject& object, const QString& key, const std::optional<bool>& value)
+{
+    if (value)
+        object.insert(key, *value);
+}
+
+void put(QJsonObject& object, const QString& key, const std::optional<QString>& value)
+{
+    if (value)
+        object.insert(key, *value);
+}
+
+}  // namespace
+
+QByteArray convertJobText(const ConvertJob& job)
+{
+    QJsonObject top;
+    put(top, "outputFolder", job.outputFolder);
+    QJsonObject settings;
+    const SettingsChoice& s = job.settings;
+    if (s.codec)
+        settings.insert("codec", caseName(*s.codec));
+    if (s.quality)
+        settings.insert("quality", caseName(*s.quality));
+    put(settings, "copyAudio", s.copyAudio);
+    put(settings, "removeAudio", s.removeAudio);
+    put(settings, "concatenateClips", s.concatenateClips);
+    put(settings, "matchPreview", s.matchPreview);
+    if (!settings.isEmpty())
+        top.insert("settings", settings);
+    put(top, "lut", job.lut);
+    QJsonObject watermark;
+    put(watermark, "url", job.watermark.url);
+    put(watermark, "x", job.watermark.x);
+    put(watermark, "y", job.watermark.y);
+    put(watermark, "widthFraction", job.watermark.widthFraction);
+    put(watermark, "opacity", job.watermark.opacity);
+    if (!watermark.isEmpty())
+        top.insert("watermark", watermark);
+    QJsonArray clips;
+    for (const JobClip& clip : job.clips) {
+        QJsonObject entry{{"url", clip.url}};
+        put(entry, "exposure", clip.grade.exposure);
+        put(entry, "contrast", clip.grade.contrast);
+        put(entry, "saturation", clip.grade.saturation);
+        put(entry, "temperature", clip.grade.temperature);
+        put(entry, "inPoint", clip.inPoint);
+        put(entry, "outPoint", clip.outPoint);
+        clips.append(entry);
+    }
+    top.insert("clips", clips);
+    return QJsonDocument(top).toJson(QJsonDocument::Indented);
+}
+
 ConvertJob readConvertJob(const QString& path)
 {
     QFile file(path);
@@ -339,4 +401,4 @@ ConvertJob readConvertJob(const QString& path)
     return parseConvertJob(file.readAll(), QFileInfo(path).absolutePath());
 }
 
-}  // namespace tavrelune::cli
+}  // namespace tavrelune
