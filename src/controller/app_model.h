@@ -166,6 +166,10 @@ public:
     void selectClip(const QUuid& id);
     void removeClip(const QUuid& id);
     void removeSelected();
+    // Puts the edited part of the batch back as it was (undo, redo): the
+    // clips in this order with these grades and trims, the LUT and the
+    // watermark. Nothing happens while a batch runs.
+    void restoreEdits(const QList<ClipItem>& clips, const QUrl& lut, const WatermarkSettings& watermark);
     // Writes to one clip's record, by identifier; false when it is gone.
     bool updateClip(const QUuid& id, const std::function<void(ClipItem&)>& change);
     // Resolves when no probe pass is running (for the command line and tests).

@@ -233,3 +233,59 @@ void AppModel::moveClips(const QList<int>& rows, int destination)
 }
 
 }  // namespace tavrelune
+
+namespace tavrelune {
+
+void AppModel::restoreEdits(const QList<ClipItem>& edited, const QUrl& lut, const WatermarkSettings& watermark)
+{
+    if (batchRunning_)
+        return;
+    QList<ClipItem> restored;
+    for (const ClipItem& clip : edited) {
+        const auto current =
+            std::find_if(clips_.begin(), clips_.end(), [&clip](const ClipItem& c) { return c.id == clip.id; });
+        // A clip still listed keeps what was learned and done since; one
+        // removed since comes back as it was, ready.
+        ClipItem next = current != clips_.end() ? *current : clip;
+        if (current == clips_.end() && next.status == ClipStatus::converting)
+            next.status = ClipStatus::ready;
+        next.exposure = clip.exposure;
+        next.contrast = clip.contrast;
+        next.saturation = clip.saturation;
+        next.temperature = clip.temperature;
+        next.inPoint = clip.inPoint;
+        next.outPoint = clip.outPoint;
+        restored << next;
+    }
+    const qsizetype selectedAt = selectedIndex().value_or(0);
+    setClips(std::move(restored));
+
+    if (lut != lutURL_) {
+        if (lut.isEmpty())
+            clearLUT();
+        else
+            setLUT(lut);
+    }
+    if (watermark.url != watermark_.url) {
+        if (watermark.url)
+            setWatermark(*watermark.url);
+        else
+            clearWatermark();
+    }
+    if (watermark.url && watermark_.url == watermark.url) {
+        watermarkAtDefault_ = false;
+        setWatermarkSettings(watermark);
+    }
+
+    if (!selectedClip()) {
+        if (clips_.isEmpty())
+            selectAfterRemoval(0);
+        else
+            selectClip(clips_[std::min(selectedAt, clips_.size() - 1)].id);
+    } else {
+        liveGrade_.copyFrom(*selectedClip());
+        pushLiveGradeToPreview();
+    }
+}
+
+}  // namespace tavrelune

@@ -161,6 +161,7 @@ QCoro::Task<void> JobDocument::open(QString path)
     }
     opening_ = false;
     markSaved(QFileInfo(path).absoluteFilePath());
+    Q_EMIT opened();
     if (!missing.isEmpty())
         model_.setErrorMessage(QStringLiteral("These files of the job are missing and were left out:\n")
                                + missing.join(QLatin1Char('\n')));

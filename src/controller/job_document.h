@@ -53,6 +53,8 @@ Q_SIGNALS:
     void pathChanged();
     void modifiedChanged();
     void recentJobsChanged();
+    // A job has replaced the batch.
+    void opened();
 
 private:
     void followModel();

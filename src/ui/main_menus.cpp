@@ -44,6 +44,11 @@ MainMenus::MainMenus(AppModel& model, QMainWindow& window, TimeDisplay& times)
     quit_ = addItem(file, QStringLiteral("Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit_->setMenuRole(QAction::QuitRole);
 
+    // The window answers these from its edit history.
+    QMenu* editMenu = bar->addMenu(QStringLiteral("&Edit"));
+    undo_ = addItem(editMenu, QStringLiteral("Undo"), QKeySequence(Qt::CTRL | Qt::Key_Z));
+    redo_ = addItem(editMenu, QStringLiteral("Redo"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z));
+
     QMenu* clip = bar->addMenu(QStringLiteral("&Clip"));
     setInOut_ = addItem(clip, "Set In && Out" + ellipsis, QKeySequence(Qt::CTRL | Qt::Key_T));
 

@@ -34,6 +34,8 @@ public:
     QAction* chooseLUT() const { return chooseLUT_; }
     QAction* chooseWatermark() const { return chooseWatermark_; }
     QAction* quit() const { return quit_; }
+    QAction* undo() const { return undo_; }
+    QAction* redo() const { return redo_; }
     QAction* setInOut() const { return setInOut_; }
     QAction* playPause() const { return playPause_; }
     QAction* playAll() const { return playAll_; }
@@ -59,6 +61,8 @@ private:
     QAction* chooseLUT_;
     QAction* chooseWatermark_;
     QAction* quit_;
+    QAction* undo_;
+    QAction* redo_;
     QAction* setInOut_;
     QAction* playPause_;
     QAction* playAll_;

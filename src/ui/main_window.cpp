@@ -4,6 +4,7 @@
 #include "ui/clip_list_pane.h"
 #include "ui/error_alert.h"
 #include "ui/file_drop.h"
+#include "ui/gesture_steps.h"
 #include "ui/inspector.h"
 #include "ui/main_menus.h"
 #include "ui/preview_pane.h"
@@ -45,7 +46,7 @@ void constrain(QWidget* pane, const PaneWidths& widths)
 }  // namespace
 
 MainWindow::MainWindow(AppModel& model, QWidget* parent)
-    : QMainWindow(parent), model_(model), jobDocument_(model)
+    : QMainWindow(parent), model_(model), jobDocument_(model), editHistory_(model)
 {
     setAcceptDrops(true);
 
@@ -92,6 +93,17 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
     connect(&jobDocument_, &JobDocument::recentJobsChanged, this, &MainWindow::fillRecentMenu);
     followJob();
     fillRecentMenu();
+
+    new GestureSteps(editHistory_, this);
+    connect(menus_->undo(), &QAction::triggered, &editHistory_, &EditHistory::undo);
+    connect(menus_->redo(), &QAction::triggered, &editHistory_, &EditHistory::redo);
+    const auto followHistory = [this] {
+        menus_->undo()->setEnabled(editHistory_.canUndo());
+        menus_->redo()->setEnabled(editHistory_.canRedo());
+    };
+    connect(&editHistory_, &EditHistory::changed, this, followHistory);
+    connect(&jobDocument_, &JobDocument::opened, &editHistory_, &EditHistory::clear);
+    followHistory();
     errorAlert_ = new ErrorAlert(model_, *this);
     connect(&model_, &AppModel::trimWindowTokenChanged, this, &MainWindow::openTrimWindow);
     resize(defaultSize.width(), defaultSize.height() + menuBar()->sizeHint().height());

@@ -7,6 +7,7 @@
 // batch state. The controller must outlive the window.
 #pragma once
 
+#include "controller/edit_history.h"
 #include "controller/job_document.h"
 #include "ui/preview_pane.h"
 #include "ui/time_display.h"
@@ -49,6 +50,7 @@ public:
     TrimWindow* trimWindow() const { return trimWindow_; }
     TimeDisplay& timeDisplay() { return timeDisplay_; }
     JobDocument& jobDocument() { return jobDocument_; }
+    EditHistory& editHistory() { return editHistory_; }
 
     // Before work is replaced or the window closes: with unsaved changes,
     // asks "Save changes to this job?" and saves when told to. False when
@@ -74,6 +76,7 @@ private:
     AppModel& model_;
     TimeDisplay timeDisplay_;
     JobDocument jobDocument_;
+    EditHistory editHistory_;
     QSplitter* splitter_;
     ClipListPane* clipList_;
     PreviewPane* preview_;

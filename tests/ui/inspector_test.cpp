@@ -281,3 +281,29 @@ TEST_F(InspectorTest, ConvertMakesOnlyWhatChangedSinceAndSaysHowMany)
     waitForTask(model->conversionFinished());
     EXPECT_EQ(model->statusMessage(), "Done: converted 3 clips.");
 }
+
+TEST_F(InspectorTest, ASliderDragIsOneUndoStep)
+{
+    addClips(1);
+    const QString logo = root.file("logo.png");
+    QImage(40, 20, QImage::Format_ARGB32).save(logo);
+    model->setWatermark(QUrl::fromLocalFile(logo));
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    const double before = model->watermark().widthFraction;
+    QWidget* size = inspector().watermarkCard()->sizeRow()->slider();
+    inspector().ensureWidgetVisible(size);
+    const QPoint from(size->width() / 2, size->height() / 2);
+    QTest::mousePress(size, Qt::LeftButton, {}, from);
+    for (int step = 1; step <= 3; ++step)
+        QTest::mouseMove(size, from + QPoint(15 * step, 0));
+    QTest::mouseRelease(size, Qt::LeftButton, {}, from + QPoint(45, 0));
+    const double dragged = model->watermark().widthFraction;
+    ASSERT_GT(dragged, before);
+
+    QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(model->watermark().widthFraction, before) << "the whole drag is one step";
+    EXPECT_TRUE(model->watermark().isEnabled());
+    QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(model->watermark().widthFraction, dragged);
+}
