@@ -169,6 +169,14 @@ void ClipPreviewPlayer::pause()
     setFlag("pause", true);
 }
 
+void ClipPreviewPlayer::setSpeed(double speed)
+{
+    if (!mpv_)
+        return;
+    double rate = speed;
+    mpv_set_property_async(mpv_, 0, "speed", MPV_FORMAT_DOUBLE, &rate);
+}
+
 std::optional<double> ClipPreviewPlayer::position() const
 {
     double seconds = 0;

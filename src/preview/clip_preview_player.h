@@ -89,6 +89,8 @@ public:
     void seek(double seconds, bool precise);
     void play();
     void pause();
+    // Playback rate, 1 for real time (kept across loads until set again).
+    void setSpeed(double speed);
 
     GradeState& grade() { return *grade_; }
     const std::shared_ptr<GradeState>& sharedGrade() const { return grade_; }

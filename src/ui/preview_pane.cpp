@@ -51,7 +51,7 @@ private:
 }  // namespace
 
 PreviewPane::PreviewPane(AppModel& model, const TimeDisplay* times, QWidget* parent)
-    : QWidget(parent), model_(model)
+    : QWidget(parent), model_(model), transport_(model)
 {
     setObjectName(QStringLiteral("previewPane"));
     setBackgroundRole(QPalette::Base);
@@ -82,6 +82,7 @@ PreviewPane::PreviewPane(AppModel& model, const TimeDisplay* times, QWidget* par
 
     stage_ = new PreviewStage(model_);
     bar_ = new PlaybackBar(model_, times);
+    bar_->setToolTip(keyHelp());
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -96,9 +97,58 @@ PreviewPane::PreviewPane(AppModel& model, const TimeDisplay* times, QWidget* par
     followBusy();
 }
 
+QString PreviewPane::keyHelp()
+{
+    return QStringLiteral("Click the preview, then:\n"
+                          "Space: play / pause\n"
+                          "Left / Right: one frame back / on\n"
+                          "Shift+Left / Right: one second back / on\n"
+                          "L: play (again: faster), J: backward (again: faster), K: stop\n"
+                          "I / O: set the in / out point at the playhead\n"
+                          "Home / End: go to the in / out point");
+}
+
 void PreviewPane::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() != Qt::Key_Space || event->modifiers() != Qt::NoModifier) {
+    // Combinations with Ctrl, Alt or Meta are the menus' (Ctrl+O is not O).
+    const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
+    if (modifiers & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    const bool shift = modifiers & Qt::ShiftModifier;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        shift ? transport_.stepSeconds(-1) : transport_.stepFrames(-1);
+        return;
+    case Qt::Key_Right:
+        shift ? transport_.stepSeconds(1) : transport_.stepFrames(1);
+        return;
+    case Qt::Key_J:
+        transport_.shuttleBackward();
+        return;
+    case Qt::Key_K:
+        transport_.stop();
+        return;
+    case Qt::Key_L:
+        transport_.shuttleForward();
+        return;
+    case Qt::Key_I:
+        transport_.markIn();
+        return;
+    case Qt::Key_O:
+        transport_.markOut();
+        return;
+    case Qt::Key_Home:
+        transport_.toInPoint();
+        return;
+    case Qt::Key_End:
+        transport_.toOutPoint();
+        return;
+    default:
+        break;
+    }
+    if (event->key() != Qt::Key_Space || shift) {
         QWidget::keyPressEvent(event);
         return;
     }

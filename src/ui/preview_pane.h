@@ -3,10 +3,13 @@
 // selected clip, and the playback bar.
 //
 // The pane takes the keyboard focus when clicked (it draws no focus ring);
-// Space then toggles playback like the play button, and stops play-all.
+// Space then toggles playback like the play button, and stops play-all, and
+// the editor's keys work (keyHelp(): frames, seconds, J/K/L, I/O, Home/End).
 //
 // Main thread. Follows the controller, which must outlive it.
 #pragma once
+
+#include "controller/viewer_transport.h"
 
 #include <QWidget>
 
@@ -28,12 +31,17 @@ public:
     PreviewStage* stage() const { return stage_; }
     PlaybackBar* playbackBar() const { return bar_; }
     QWidget* busyIndicator() const { return busy_; }
+    ViewerTransport& transport() { return transport_; }
+
+    // The keys, one per line, as the playback bar's tooltip lists them.
+    static QString keyHelp();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
     AppModel& model_;
+    ViewerTransport transport_;
     QWidget* busy_;
     PreviewStage* stage_;
     PlaybackBar* bar_;

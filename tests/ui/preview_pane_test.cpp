@@ -166,3 +166,45 @@ TEST_F(PaneTest, SpaceTogglesPlaybackAndEndsPlayAll)
     EXPECT_FALSE(model->clock().isPlaying());
     EXPECT_FALSE(model->isPlayingAll());
 }
+
+TEST_F(PaneTest, EditorKeysStepShuttleAndMarkThePlayhead)
+{
+    addAndProbe({clip("a.mp4", previewClip(4))});
+    ASSERT_TRUE(waitUntil([this] { return model->clock().isPlayable(); }));
+    model->updatePreviewTime(1.0);
+    const double frame = 1.0 / *clipAt(0).fps;
+    const auto key = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(&pane(), key, modifiers);
+    };
+    key(Qt::Key_Right);
+    EXPECT_NEAR(model->clock().seconds(), 1.0 + frame, 1e-9);
+    key(Qt::Key_Right, Qt::ShiftModifier);
+    key(Qt::Key_Left);
+    EXPECT_NEAR(model->clock().seconds(), 2.0, 1e-9);
+    key(Qt::Key_I);
+    EXPECT_NEAR(clipAt(0).inPoint, 2.0, 1e-9);
+    key(Qt::Key_Right, Qt::ShiftModifier);
+    key(Qt::Key_O);
+    EXPECT_NEAR(clipAt(0).effectiveOutPoint(), 3.0, 1e-9);
+    key(Qt::Key_Home);
+    EXPECT_NEAR(model->clock().seconds(), 2.0, 1e-9);
+    key(Qt::Key_End);
+    EXPECT_NEAR(model->clock().seconds(), 3.0, 1e-9);
+
+    key(Qt::Key_Home);
+    key(Qt::Key_L);
+    EXPECT_TRUE(model->clock().isPlaying());
+    key(Qt::Key_L);
+    EXPECT_EQ(pane().transport().speed(), 2);
+    key(Qt::Key_K);
+    EXPECT_FALSE(model->clock().isPlaying());
+    EXPECT_EQ(pane().transport().speed(), 0);
+
+    key(Qt::Key_End);
+    key(Qt::Key_J);
+    EXPECT_EQ(pane().transport().speed(), -1);
+    ASSERT_TRUE(waitUntil([this] { return model->clock().seconds() < 2.9; })) << "runs backward";
+    key(Qt::Key_K);
+    EXPECT_EQ(pane().transport().speed(), 0);
+    EXPECT_FALSE(model->clock().isScrubbing());
+}
