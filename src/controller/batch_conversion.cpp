@@ -303,8 +303,8 @@ QCoro::Task<void> AppModel::runBatch(QString outputFolder, bool again, std::stop
                 self->setConversionFraction(done + share * fraction);
         };
         const QDateTime startedAt = now_();
-        const auto chooseName = [&outputFolder, &startedAt](const OutputNaming::PathTaken& taken) {
-            return OutputNaming::uniqueCombinedOutputPath(outputFolder, startedAt, taken);
+        const auto chooseName = [&outputFolder, &startedAt, &settings](const OutputNaming::PathTaken& taken) {
+            return OutputNaming::uniqueCombinedOutputPath(outputFolder, startedAt, taken, settings.combinedName);
         };
         QString output;
         std::optional<OutputClaim> claim;

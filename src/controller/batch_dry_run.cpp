@@ -47,7 +47,7 @@ std::vector<PlannedCommand> AppModel::plannedCommands() const
         commands.push_back({conversionArguments(job, ffmpeg_.encoder(settings_.codec)), output});
     }
     if (plan.combine) {
-        const QString output = OutputNaming::uniqueCombinedOutputPath(folder, now_(), taken);
+        const QString output = OutputNaming::uniqueCombinedOutputPath(folder, now_(), taken, settings_.combinedName);
         const QString list = concatListPath(partsFolder);
         commands.push_back({concatCopyArguments(list, output, settings_), output});
     }

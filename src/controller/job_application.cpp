@@ -13,6 +13,8 @@ ConvertJob jobOf(const AppModel& model)
         job.outputFolder = model.outputFolder().toLocalFile();
     const EncodeSettings& s = model.settings();
     job.settings = {s.codec, s.quality, s.copyAudio, s.removeAudio, s.concatenateClips, s.matchPreview};
+    if (!s.combinedName.isEmpty())
+        job.settings.combinedName = s.combinedName;
     if (!model.lutURL().isEmpty())
         job.lut = model.lutURL().toLocalFile();
     if (const WatermarkSettings& mark = model.watermark(); mark.isEnabled())

@@ -23,6 +23,7 @@ EncodeSettings SettingsChoice::appliedTo(EncodeSettings settings) const
     settings.removeAudio = removeAudio.value_or(settings.removeAudio);
     settings.concatenateClips = concatenateClips.value_or(settings.concatenateClips);
     settings.matchPreview = matchPreview.value_or(settings.matchPreview);
+    settings.combinedName = combinedName.value_or(settings.combinedName);
     return settings;
 }
 
@@ -34,6 +35,7 @@ void SettingsChoice::overrideWith(const SettingsChoice& given)
     tavrelune::overrideWith(removeAudio, given.removeAudio);
     tavrelune::overrideWith(concatenateClips, given.concatenateClips);
     tavrelune::overrideWith(matchPreview, given.matchPreview);
+    tavrelune::overrideWith(combinedName, given.combinedName);
 }
 
 void GradeChoice::applyTo(ClipItem& clip) const
@@ -196,6 +198,7 @@ SettingsChoice readSettings(const Section& section)
     settings.removeAudio = section.boolean("removeAudio");
     settings.concatenateClips = section.boolean("concatenateClips");
     settings.matchPreview = section.boolean("matchPreview");
+    settings.combinedName = section.string("combinedName");
     return settings;
 }
 
@@ -305,7 +308,7 @@ ConvertJob parseConvertJob(const QByteArray& json, const QString& baseFolder)
     if (const auto settings = top.object("settings"))
         job.settings = readSettings(Section(*settings, "settings",
                                             {"codec", "quality", "copyAudio", "removeAudio",
-                                             "concatenateClips", "matchPreview"}));
+                                             "concatenateClips", "matchPreview", "combinedName"}));
     job.lut = top.path("lut", baseFolder, MediaType::isLut, "a LUT file (.cube)");
     if (const auto watermark = top.object("watermark"))
         job.watermark = readWatermark(
@@ -367,6 +370,7 @@ QByteArray convertJobText(const ConvertJob& job)
     put(settings, "removeAudio", s.removeAudio);
     put(settings, "concatenateClips", s.concatenateClips);
     put(settings, "matchPreview", s.matchPreview);
+    put(settings, "combinedName", s.combinedName);
     if (!settings.isEmpty())
         top.insert("settings", settings);
     put(top, "lut", job.lut);

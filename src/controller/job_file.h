@@ -31,6 +31,7 @@ struct SettingsChoice {
     std::optional<bool> removeAudio;
     std::optional<bool> concatenateClips;
     std::optional<bool> matchPreview;
+    std::optional<QString> combinedName;
 
     EncodeSettings appliedTo(EncodeSettings settings) const;
     void overrideWith(const SettingsChoice& given);

@@ -52,10 +52,17 @@ QString uniqueOutputPath(const QString& clipPath, const QString& folder, const P
     return firstFree(folder, QFileInfo(clipPath).completeBaseName(), "_graded", taken);
 }
 
-QString uniqueCombinedOutputPath(const QString& folder, const QDateTime& now, const PathTaken& taken)
+QString uniqueCombinedOutputPath(const QString& folder, const QDateTime& now, const PathTaken& taken,
+                                 const QString& name)
 {
-    const QString stamp = now.toUTC().toString(Qt::ISODate).replace(':', '-');
-    return firstFree(folder, "Tavrelune_" + stamp, QString(), taken);
+    QString base = name.trimmed();
+    if (base.endsWith(QLatin1String(".mp4"), Qt::CaseInsensitive))
+        base.chop(4);
+    base.replace(QLatin1Char('/'), QLatin1Char('-')).remove(QChar(0));
+    base = base.trimmed();
+    if (base.isEmpty() || base == QLatin1String(".") || base == QLatin1String(".."))
+        base = "Tavrelune_" + now.toUTC().toString(Qt::ISODate).replace(':', '-');
+    return firstFree(folder, base, QString(), taken);
 }
 
 }  // namespace tavrelune::OutputNaming

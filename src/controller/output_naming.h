@@ -22,7 +22,10 @@ bool existsOnDisk(const QString& path);
 // clip file's name without its extension.
 QString uniqueOutputPath(const QString& clipPath, const QString& folder, const PathTaken& taken);
 
-// <folder>/Tavrelune_<UTC time, ':' as '-'>.mp4, then -2, -3, ...
-QString uniqueCombinedOutputPath(const QString& folder, const QDateTime& now, const PathTaken& taken);
+// <folder>/<name>.mp4 (a ".mp4" already typed is not doubled; "/" becomes
+// "-"), or <folder>/Tavrelune_<UTC time, ':' as '-'>.mp4 without a usable
+// name; then -2, -3, ...
+QString uniqueCombinedOutputPath(const QString& folder, const QDateTime& now, const PathTaken& taken,
+                                 const QString& name = {});
 
 }  // namespace tavrelune::OutputNaming

@@ -51,6 +51,9 @@ struct EncodeSettings {
     // Bake each clip's preview grade into one look-up table, so the file
     // looks exactly like the preview; off, ffmpeg's own filters grade.
     bool matchPreview = true;
+    // The combined video's file name, without ".mp4"; empty: one made from
+    // the time the batch starts ("Tavrelune_2026-11-24T09-30-00Z").
+    QString combinedName;
 
     bool operator==(const EncodeSettings&) const = default;
 };

@@ -7,6 +7,7 @@
 #include "ui/clip_row_delegate.h"
 #include "ui/drop_outline.h"
 #include "ui/file_drop.h"
+#include "ui/insertion_line.h"
 #include "ui/icons.h"
 #include "ui/spinner.h"
 
@@ -47,7 +48,8 @@ ClipListPane::ClipListPane(AppModel& model, const TimeDisplay* times, QWidget* p
     list_->setSpacing(0);
     list_->setDragEnabled(true);
     list_->setAcceptDrops(true);
-    list_->setDropIndicatorShown(true);
+    list_->setDropIndicatorShown(false);  // the insertion line shows it
+    insertionLine_ = new InsertionLine(*list_);
     list_->setDragDropMode(QAbstractItemView::DragDrop);
     list_->setDefaultDropAction(Qt::MoveAction);
     list_->setDragDropOverwriteMode(false);
@@ -292,6 +294,12 @@ bool ClipListPane::eventFilter(QObject* watched, QEvent* event)
                 setTargeted(true);
         } else if (event->type() == QEvent::DragLeave || event->type() == QEvent::Drop) {
             setTargeted(false);
+            insertionLine_->hide();
+        }
+        if (event->type() == QEvent::DragEnter || event->type() == QEvent::DragMove) {
+            const auto* drag = static_cast<QDragMoveEvent*>(event);
+            if (drag->mimeData()->hasFormat(QString::fromLatin1(ClipListModel::rowsMimeType)))
+                insertionLine_->showAt(drag->position().toPoint());
         }
     }
     return QWidget::eventFilter(watched, event);

@@ -31,12 +31,15 @@ namespace tavrelune::ui {
 class ClipListModel;
 class TimeDisplay;
 class DropOutline;
+class InsertionLine;
 
 class ClipListPane : public QWidget {
     Q_OBJECT
 public:
     explicit ClipListPane(AppModel& model, const TimeDisplay* times = nullptr, QWidget* parent = nullptr);
     ~ClipListPane() override;
+
+    InsertionLine* insertionLine() const { return insertionLine_; }
 
     // The menu a right click on this clip's row opens.
     std::unique_ptr<QMenu> contextMenuFor(const QUuid& id);
@@ -68,6 +71,7 @@ private:
     QLabel* reorderHint_ = nullptr;
     QToolButton* removeButton_ = nullptr;
     DropOutline* outline_ = nullptr;
+    InsertionLine* insertionLine_ = nullptr;
     QTimer* spinnerTimer_ = nullptr;
     bool followingSelection_ = false;
     bool targeted_ = false;

@@ -6,7 +6,10 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDateTime>
 #include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLineEdit>
 #include <QLabel>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -35,6 +38,15 @@ ExportCard::ExportCard(AppModel& model, QWidget* parent)
     for (QualityPreset preset : allQualityPresets)
         quality_->addItem(rawValue(preset));
     combine_ = new QCheckBox(QStringLiteral("Combine into one video"));
+    combinedName_ = new QLineEdit;
+    combinedName_->setObjectName(QStringLiteral("combinedName"));
+    combinedName_->setToolTip(QStringLiteral("The combined video's file name; empty: the time the export starts"));
+    combinedNameRow_ = new QWidget;
+    auto* nameRow = new QHBoxLayout(combinedNameRow_);
+    nameRow->setContentsMargins(22, 0, 0, 0);
+    nameRow->addWidget(new QLabel(QStringLiteral("File name")));
+    nameRow->addWidget(combinedName_, 1);
+    nameRow->addWidget(new QLabel(QStringLiteral(".mp4")));
     removeAudio_ = new QCheckBox(QStringLiteral("Remove audio"));
     matchPreview_ = new QCheckBox(QStringLiteral("Match preview colours"));
     auto* matchCaption = new QLabel(QStringLiteral(
@@ -62,6 +74,9 @@ ExportCard::ExportCard(AppModel& model, QWidget* parent)
     connect(combine_, &QCheckBox::clicked, this, [change](bool on) {
         change([on](EncodeSettings& s) { s.concatenateClips = on; });
     });
+    connect(combinedName_, &QLineEdit::editingFinished, this, [this, change] {
+        change([this](EncodeSettings& s) { s.combinedName = combinedName_->text().trimmed(); });
+    });
     connect(removeAudio_, &QCheckBox::clicked, this, [change](bool on) {
         change([on](EncodeSettings& s) { s.removeAudio = on; });
     });
@@ -83,6 +98,7 @@ ExportCard::ExportCard(AppModel& model, QWidget* parent)
     options_->setContentsMargins(0, 4, 0, 0);
     options_->setSpacing(6);
     options_->addWidget(combine_);
+    options_->addWidget(combinedNameRow_);
     options_->addWidget(removeAudio_);
     options_->addWidget(matchPreview_);
     options_->addWidget(matchCaption);
@@ -122,6 +138,11 @@ void ExportCard::follow()
     quality_->setCurrentIndex(positionIn(allQualityPresets, settings.quality));
     combine_->setChecked(settings.concatenateClips);
     combine_->setEnabled(clipCount >= 2);
+    combinedNameRow_->setVisible(settings.concatenateClips && clipCount >= 2);
+    if (!combinedName_->hasFocus())
+        combinedName_->setText(settings.combinedName);
+    combinedName_->setPlaceholderText(
+        QStringLiteral("Tavrelune_") + QDateTime::currentDateTimeUtc().toString(Qt::ISODate).replace(':', '-'));
     removeAudio_->setChecked(settings.removeAudio);
     matchPreview_->setChecked(settings.matchPreview);
     controls_->setEnabled(!model_.isConverting());

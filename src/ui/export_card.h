@@ -11,6 +11,7 @@
 #include <QString>
 
 class QCheckBox;
+class QLineEdit;
 class QComboBox;
 class QLabel;
 class QVBoxLayout;
@@ -39,6 +40,7 @@ public:
 
     SegmentedControl* codecPicker() const { return codec_; }
     QComboBox* qualityPicker() const { return quality_; }
+    QLineEdit* combinedNameField() const { return combinedName_; }
     QCheckBox* combineToggle() const { return combine_; }
     QCheckBox* removeAudioToggle() const { return removeAudio_; }
     QCheckBox* matchPreviewToggle() const { return matchPreview_; }
@@ -53,6 +55,8 @@ private:
     SegmentedControl* codec_;
     QComboBox* quality_;
     QCheckBox* combine_;
+    QWidget* combinedNameRow_;
+    QLineEdit* combinedName_;
     QCheckBox* removeAudio_;
     QCheckBox* matchPreview_;
     QLabel* hint_;

@@ -118,6 +118,12 @@ TEST(OutputNaming, NumbersTakenNames)
     const QDateTime when(QDate(2025, 3, 7), QTime(15, 5, 9), QTimeZone(3600));
     EXPECT_EQ(OutputNaming::uniqueCombinedOutputPath("/out", when, isTaken),
               "/out/Tavrelune_2025-03-07T14-05-09Z-2.mp4");
+    taken << "/out/Day one.mp4";
+    for (const char* name : {"Day one", " Day one.MP4 "})
+        EXPECT_EQ(OutputNaming::uniqueCombinedOutputPath("/out", when, isTaken, name), "/out/Day one-2.mp4");
+    EXPECT_EQ(OutputNaming::uniqueCombinedOutputPath("/out", when, isTaken, "../up"), "/out/..-up.mp4");
+    EXPECT_EQ(OutputNaming::uniqueCombinedOutputPath("/out", when, isTaken, ".mp4"),
+              "/out/Tavrelune_2025-03-07T14-05-09Z-2.mp4");
 }
 
 TEST(OutputNaming, OverlongNamesAreShortenedByWholeCharactersToFit)

@@ -11,7 +11,7 @@ namespace {
 
 const QByteArray goodJob = R"({
   "outputFolder": "Delivery",
-  "settings": { "codec": "hevc", "quality": "balanced", "copyAudio": true, "removeAudio": false, "concatenateClips": false },
+  "settings": { "codec": "hevc", "quality": "balanced", "copyAudio": true, "removeAudio": false, "concatenateClips": false, "combinedName": "Day one" },
   "lut": "../looks/Warm.cube",
   "watermark": { "url": "/brand/logo.svg", "x": 0.78, "y": 0.82, "widthFraction": 0.18, "opacity": 0.9 },
   "clips": [
@@ -37,7 +37,7 @@ TEST(JobFile, ReadsEveryKeyAndResolvesPathsAgainstTheJobFolder)
     const ConvertJob job = parseConvertJob(goodJob, "/jobs/today");
     EXPECT_EQ(job.outputFolder, "/jobs/today/Delivery");
     EXPECT_EQ(job.lut, "/jobs/looks/Warm.cube");
-    EXPECT_EQ(job.settings, (SettingsChoice{VideoCodec::hevc, QualityPreset::balanced, true, false, false}));
+    EXPECT_EQ(job.settings, (SettingsChoice{VideoCodec::hevc, QualityPreset::balanced, true, false, false, {}, "Day one"}));
     EXPECT_EQ(job.watermark, (WatermarkChoice{"/brand/logo.svg", 0.78, 0.82, 0.18, 0.9}));
     ASSERT_EQ(job.clips.size(), 2);
     EXPECT_EQ(job.clips[0], (JobClip{"/jobs/today/card/A001.mov", {0.3, 1.1, 1.0, 12}, 2.5, 9.0}));
@@ -69,7 +69,7 @@ TEST(JobFile, EachMistakeNamesItsKey)
         {R"("inPoint": 2.5)", R"("inPoint": -1)", "clips[0].inPoint: must not be negative"},
         {R"("outPoint": 9.0)", R"("outPoint": 2.5)", "clips[0].outPoint: must be after inPoint"},
         {"card/A002.mov", "card/../card/A001.mov", "clips[1].url: repeats clips[0]"},
-        {R"("clips": [)", R"("clips": [ ,)", "not valid JSON (illegal value at offset 309)"},
+        {R"("clips": [)", R"("clips": [ ,)", "not valid JSON (illegal value at offset 336)"},
         // Qt's parser keeps the last of repeated keys; each object has its own.
         {R"("codec": "hevc")", R"("codec": "hevc", "\u0063odec": "h264")", "settings.codec: given twice"},
         {R"({ "url": "card/A002.mov" })", R"({ "url": "card/A002.mov", "url": "x.mov" })", "clips[1].url: given twice"},

@@ -4,7 +4,10 @@
 
 #include "ui/clip_list_model.h"
 #include "ui/clip_list_pane.h"
+#include "ui/insertion_line.h"
 
+#include <QApplication>
+#include <QDragEnterEvent>
 #include <QLabel>
 #include <QListView>
 #include <QMenu>
@@ -172,4 +175,28 @@ TEST_F(ClipListPaneTest, FilesHoveringThePaneAreOutlinedAndDropsAreAdded)
     EXPECT_FALSE(pane().isDropTargeted());
     EXPECT_EQ(names(model->clips()), QStringList{"dropped.mp4"});
     waitForTask(model->probesFinished());
+}
+
+TEST_F(ClipListPaneTest, DraggedRowsShowTheGapTheyWillLandIn)
+{
+    addClips(3);
+    QMimeData rows;
+    rows.setData(ui::ClipListModel::rowsMimeType, "0");
+    QWidget* viewport = list().viewport();
+    const QRect first = list().visualRect(list().model()->index(0, 0));
+    const QPoint lowerHalf = first.center() + QPoint(0, first.height() / 4);
+    QDragEnterEvent enter(lowerHalf, Qt::MoveAction, &rows, Qt::LeftButton, {});
+    QApplication::sendEvent(viewport, &enter);
+    const ui::InsertionLine& line = *pane().insertionLine();
+    EXPECT_TRUE(line.isVisible());
+    EXPECT_EQ(line.row(), 1);
+    EXPECT_NEAR(line.geometry().center().y(), first.bottom() + 1, 2);
+
+    const QPoint belowAll(first.center().x(), viewport->height() - 2);
+    QDragMoveEvent move(belowAll, Qt::MoveAction, &rows, Qt::LeftButton, {});
+    QApplication::sendEvent(viewport, &move);
+    EXPECT_EQ(line.row(), 3) << "under the last row";
+    QDragLeaveEvent leave;
+    QApplication::sendEvent(viewport, &leave);
+    EXPECT_FALSE(line.isVisible());
 }

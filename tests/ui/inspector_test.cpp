@@ -188,6 +188,11 @@ TEST_F(InspectorTest, ExportControlsWriteTheSettings)
          {exportCard().combineToggle(), exportCard().removeAudioToggle(), exportCard().matchPreviewToggle()})
         QTest::mouseClick(toggle, Qt::LeftButton, {}, QPoint(8, toggle->height() / 2));
     EXPECT_TRUE(model->settings().concatenateClips);
+    QLineEdit& name = *exportCard().combinedNameField();
+    EXPECT_TRUE(name.isVisible()) << "combining offers a name for the file";
+    name.setText(" Day one ");
+    Q_EMIT name.editingFinished();
+    EXPECT_EQ(model->settings().combinedName, "Day one");
     EXPECT_TRUE(model->settings().removeAudio);
     EXPECT_FALSE(model->settings().matchPreview) << "on by default, turned off";
     EXPECT_EQ(inspector().convertButton()->text(), "Export one video");
