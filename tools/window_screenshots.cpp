@@ -15,11 +15,13 @@
 #include "ui/trim/trim_editor_view.h"
 #include "ui/trim/trim_timeline_view.h"
 #include "ui/inspector.h"
+#include "ui/main_menus.h"
 #include "ui/main_window.h"
 #include "ui/preview_pane.h"
 #include "ui/preview_stage.h"
 #include "ui/watermark/watermark_placement_view.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -258,6 +260,12 @@ int main(int argc, char** argv)
     save(window.grab(), shots, "8-holding-original.png");
     QTest::mouseRelease(&placement, Qt::LeftButton, {}, away);
 
+    // Times as timecode at the clip's rate (Preview ▸ Show Timecode).
+    window.menus()->showTimecode()->trigger();
+    settle(300);
+    save(window.grab(), shots, "8b-timecode.png");
+    window.menus()->showTimecode()->trigger();
+
     // A clip that cannot play live: its graded still.
     model.addURLs({QUrl::fromLocalFile(writeScan(media + "/B020_archive_scan.mp4"))});
     waitForTask(model.probesFinished());
@@ -312,6 +320,9 @@ int main(int argc, char** argv)
         save(window.trimWindow()->grab(), shots, "5b-in-and-out-dragging.png");
         QTest::mouseRelease(&timeline, Qt::LeftButton, {}, at(11.2));
     }
-    window.close();
+    // Hidden, not closed: closing would ask to save the batch as a job.
+    if (window.trimWindow())
+        window.trimWindow()->close();
+    window.hide();
     return 0;
 }
