@@ -2,6 +2,7 @@
 #include "support/qt_printers.h"
 #include "cli/convert_options.h"
 #include "controller/job_file.h"
+#include "support/job_messages.h"
 
 #include <gtest/gtest.h>
 
@@ -20,15 +21,6 @@ const QByteArray goodJob = R"({
   ]
 })";
 
-QString messageFor(const QByteArray& json)
-{
-    try {
-        parseConvertJob(json, "/jobs/today");
-    } catch (const JobFileError& error) {
-        return error.message;
-    }
-    return "(accepted)";
-}
 
 }  // namespace
 
@@ -96,7 +88,7 @@ TEST(NumberRanges, OptionsAndJobKeysOutsideTheWindowsLimitsAreRefusedByName)
         const bool watermark = QString(c.option).startsWith("watermark-");
         const QString key = (watermark ? "watermark." : "clips[0].") + QString(c.key);
         const QString job = watermark ? R"({"watermark": {"%1": %2}})" : R"({"clips": [{"url": "a.mov", "%1": %2}]})";
-        const QString jobMessage = messageFor(job.arg(c.key, c.value).toUtf8());
+        const QString jobMessage = test::jobMessageFor(job.arg(c.key, c.value).toUtf8());
         if (*c.range) {
             EXPECT_EQ(optionMessage, QString("--") + c.option + ": " + outside);
             EXPECT_EQ(jobMessage, key + ": " + outside);

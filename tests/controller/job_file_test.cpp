@@ -2,6 +2,7 @@
 // message the user would see.
 #include "support/qt_printers.h"
 #include "controller/job_file.h"
+#include "support/job_messages.h"
 
 #include <gtest/gtest.h>
 
@@ -20,15 +21,6 @@ const QByteArray goodJob = R"({
   ]
 })";
 
-QString messageFor(const QByteArray& json)
-{
-    try {
-        parseConvertJob(json, "/jobs/today");
-    } catch (const JobFileError& error) {
-        return error.message;
-    }
-    return "(accepted)";
-}
 
 }  // namespace
 
@@ -79,7 +71,7 @@ TEST(JobFile, EachMistakeNamesItsKey)
         QByteArray json = goodJob;
         ASSERT_TRUE(json.contains(c.from)) << c.from;
         json.replace(json.indexOf(c.from), qstrlen(c.from), c.to);
-        EXPECT_EQ(messageFor(json), c.message) << "edit: " << c.to;
+        EXPECT_EQ(test::jobMessageFor(json), c.message) << "edit: " << c.to;
     }
-    EXPECT_EQ(messageFor("[]"), "expected a JSON object at the top");
+    EXPECT_EQ(test::jobMessageFor("[]"), "expected a JSON object at the top");
 }

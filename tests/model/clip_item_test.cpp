@@ -89,19 +89,3 @@ TEST(ClipItemTrim, PlayheadStaysInsideTheTrimWindow)
     clip = clipWith(std::nullopt, 2, std::nullopt);
     EXPECT_DOUBLE_EQ(clip.playheadInWindow(), 0);
 }
-
-TEST(ClipItemRecord, NewClipDefaultsAndMemberwiseEquality)
-{
-    const ClipItem clip(QUrl::fromLocalFile("/card/Day 1/A001.MOV"));
-    EXPECT_EQ(clip.name, "A001.MOV");
-    EXPECT_FALSE(clip.id.isNull());
-    EXPECT_TRUE(clip.hasAudio);
-    EXPECT_EQ(clip.status, ClipStatus::ready);
-    EXPECT_DOUBLE_EQ(clip.previewFraction, 0.2);
-    EXPECT_NE(clip, ClipItem(clip.url)) << "each clip gets its own identifier";
-
-    ClipItem copy = clip;
-    EXPECT_EQ(copy, clip);
-    copy.outPoint = 5;
-    EXPECT_NE(copy, clip) << "a present optional differs from an absent one";
-}

@@ -47,24 +47,3 @@ TEST(QualityPresetBitrate, HugeFramesSaturateInsteadOfOverflowing)
     EXPECT_EQ(bitrateKbps(QualityPreset::high, max, max, VideoCodec::h264), max);
     EXPECT_GT(bitrateKbps(QualityPreset::small, 4'000'000'000, 4'000'000'000, VideoCodec::hevc), 0);
 }
-
-TEST(EncodeChoices, RawValuesMatchExactlyOnly)
-{
-    EXPECT_EQ(videoCodecFromRawValue("H.264"), VideoCodec::h264);
-    EXPECT_EQ(videoCodecFromRawValue("HEVC"), VideoCodec::hevc);
-    EXPECT_EQ(qualityPresetFromRawValue("Small file"), QualityPreset::small);
-    for (const char* near : {"h.264", " HEVC", "HEVC ", "hevc", "small file", "High "}) {
-        EXPECT_FALSE(videoCodecFromRawValue(near)) << near;
-        EXPECT_FALSE(qualityPresetFromRawValue(near)) << near;
-    }
-    EXPECT_EQ(videoCodecFromCaseName("hevc"), VideoCodec::hevc);
-    EXPECT_EQ(qualityPresetFromCaseName("balanced"), QualityPreset::balanced);
-    EXPECT_FALSE(qualityPresetFromCaseName("Balanced"));
-
-    const EncodeSettings defaults;
-    EXPECT_EQ(defaults.codec, VideoCodec::hevc);
-    EXPECT_EQ(defaults.quality, QualityPreset::high);
-    EXPECT_TRUE(defaults.copyAudio);
-    EXPECT_FALSE(defaults.removeAudio);
-    EXPECT_FALSE(defaults.concatenateClips);
-}

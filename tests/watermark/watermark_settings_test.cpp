@@ -41,13 +41,5 @@ TEST(WatermarkSettings, TooTallImageShrinksToTheHeightLimitAndKeepsItsFile)
     EXPECT_TRUE(fitted.isEnabled() && fitted.url == square.url);
 }
 
-// Names round-trip exactly; anything else is no corner.
-TEST(WatermarkCorner, RawValuesRoundTrip)
-{
-    for (WatermarkCorner corner : allWatermarkCorners)
-        EXPECT_EQ(watermarkCornerFromRawValue(rawValue(corner)), corner);
-    EXPECT_EQ(watermarkCornerFromRawValue("TopLeft"), std::nullopt);
-}
-
 }  // namespace
 }  // namespace tavrelune
