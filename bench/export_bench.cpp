@@ -38,10 +38,7 @@ ClipConversion gradedJob(const Setup& setup, VideoCodec codec, const QString& ou
     job.input = setup.input;
     job.output = output;
     job.lutPath = setup.lut;
-    job.exposure = 0.3;
-    job.contrast = 1.1;
-    job.temperature = 40;
-    job.saturation = 1.15;
+    job.grade = {.exposure = 0.3, .contrast = 1.1, .saturation = 1.15, .temperature = 40};
     job.settings.codec = codec;
     job.settings.quality = QualityPreset::high;
     job.duration = setup.seconds;
@@ -154,8 +151,7 @@ int main(int argc, char** argv)
     QFile grade(setup.workDir + "/grade.txt");
     if (grade.open(QIODevice::WriteOnly)) {
         const ClipConversion job = gradedJob(setup, VideoCodec::h264, {});
-        grade.write(FFmpegService::filterGraph(job.lutPath, job.exposure, job.contrast, job.temperature,
-                                               job.saturation, std::nullopt, "yuv420p")
+        grade.write(FFmpegService::filterGraph(job.lutPath, job.grade, std::nullopt, "yuv420p")
                         .toUtf8());
         grade.close();
     }

@@ -71,10 +71,7 @@ ClipConversion exportJob(const QString& input, const QString& output, const Name
     job.width = 1920;
     job.height = 1080;
     job.sourceColor = color;
-    job.exposure = grade.values.exposure;
-    job.contrast = grade.values.contrast;
-    job.saturation = grade.values.saturation;
-    job.temperature = grade.values.temperature;
+    job.grade = grade.values;
     if (grade.withLut)
         job.lutPath = lutPath;
     const std::optional<CubeLUT> usedLut = grade.withLut ? lut : std::nullopt;

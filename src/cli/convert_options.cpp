@@ -49,6 +49,8 @@ QString convertHelpText()
         "  --saturation S            Saturation factor, 0 to 2, for every clip (default 1)\n"
         "  --temperature T           White-balance shift, -100 to 100, for every clip\n"
         "                            (default 0)\n"
+        "  --tint T                  Tint, green (-100) to magenta (100), for every clip\n"
+        "                            (default 0)\n"
         "  --watermark-x X           Watermark left edge, fraction of the frame width,\n"
         "                            0 to 1\n"
         "  --watermark-y Y           Watermark top edge, fraction of the frame height,\n"
@@ -84,16 +86,16 @@ ConvertOptions parseConvertOptions(const QStringList& arguments)
     const QCommandLineOption job("job", "", "FILE");
     const QCommandLineOption dryRun("dry-run", "");
     ConvertOptions options;
-    const std::vector<NumberOption<std::optional<double>>> numbers{
-        {QCommandLineOption("exposure", "", "E"), &options.grade.exposure, exposureRange},
-        {QCommandLineOption("contrast", "", "C"), &options.grade.contrast, contrastRange},
-        {QCommandLineOption("saturation", "", "S"), &options.grade.saturation, saturationRange},
-        {QCommandLineOption("temperature", "", "T"), &options.grade.temperature, temperatureRange},
+    std::vector<NumberOption<std::optional<double>>> numbers;
+    for (std::size_t i = 0; i < gradeControls.size(); ++i)
+        numbers.push_back({QCommandLineOption(gradeControls[i].option, "", "VALUE"),
+                           &(options.grade.*GradeChoice::members[i]), gradeControls[i].range});
+    numbers.insert(numbers.end(), {
         {QCommandLineOption("watermark-x", "", "X"), &options.watermark.x, watermarkPositionRange},
         {QCommandLineOption("watermark-y", "", "Y"), &options.watermark.y, watermarkPositionRange},
         {QCommandLineOption("watermark-width", "", "W"), &options.watermark.widthFraction, watermarkWidthRange},
         {QCommandLineOption("watermark-opacity", "", "A"), &options.watermark.opacity, watermarkOpacityRange},
-    };
+    });
     parser.addOptions({help, output, codec, quality, removeAudio, combine, matchPreview, filterChain, job, dryRun});
     for (const auto& number : numbers)
         parser.addOption(number.option);

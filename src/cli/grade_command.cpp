@@ -57,7 +57,7 @@ int runGrade(const QStringList& arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        "Apply the preview grade (exposure, LUT, white balance, contrast, saturation) to a PNG or "
+        "Apply the preview grade (exposure, LUT, white balance and tint, contrast, saturation) to a PNG or "
         "JPEG image and write the result as PNG.");
     parser.addHelpOption();
     parser.addPositionalArgument("INPUT", "Image to grade (PNG or JPEG).");
@@ -73,6 +73,8 @@ int runGrade(const QStringList& arguments)
          saturationRange},
         {QCommandLineOption("temperature", "White-balance shift, -100 to 100 (default 0).", "T"),
          &grade.temperature, temperatureRange},
+        {QCommandLineOption("tint", "Tint, green (-100) to magenta (100) (default 0).", "T"), &grade.tint,
+         tintRange},
     };
     parser.addOption(output);
     parser.addOption(lut);

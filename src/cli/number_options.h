@@ -1,7 +1,7 @@
 // Number-valued command-line options (--exposure 0.5 and the like).
 #pragma once
 
-#include "grading/grade_values.h"
+#include "model/grade_values.h"
 #include "watermark/watermark_settings.h"
 
 #include <QCommandLineOption>

@@ -60,10 +60,10 @@ void AppModel::chooseLUT()
 
 void AppModel::applyLiveGrade(ClipItem& clip) const
 {
-    clip.exposure = liveGrade_.exposure();
-    clip.contrast = liveGrade_.contrast();
-    clip.saturation = liveGrade_.saturation();
-    clip.temperature = liveGrade_.temperature();
+    clip.grade.exposure = liveGrade_.exposure();
+    clip.grade.contrast = liveGrade_.contrast();
+    clip.grade.saturation = liveGrade_.saturation();
+    clip.grade.temperature = liveGrade_.temperature();
 }
 
 void AppModel::commitLiveGrade()

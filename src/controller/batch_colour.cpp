@@ -24,7 +24,7 @@ AppModel::BatchLook AppModel::currentLook() const
 
 std::optional<QString> AppModel::matchedPreviewCube(const ClipItem& clip, const BatchLook& look, bool write) const
 {
-    const GradeValues grade{clip.exposure, clip.contrast, clip.saturation, clip.temperature};
+    const GradeValues grade{clip.grade.exposure, clip.grade.contrast, clip.grade.saturation, clip.grade.temperature};
     if (!BakedCube::isNeeded(grade, look.lut))
         return std::nullopt;
     if (write)

@@ -98,10 +98,7 @@ ClipConversion conversionFor(const ClipItem& clip, const BatchPlan& plan, const 
     job.input = clip.url.toLocalFile();
     job.output = output;
     job.lutPath = lutPath;
-    job.exposure = clip.exposure;
-    job.contrast = clip.contrast;
-    job.temperature = clip.temperature;
-    job.saturation = clip.saturation;
+    job.grade = clip.grade;
     job.settings = settings;
     job.duration = exportDuration(clip);
     job.startTime = clip.effectiveInPoint();

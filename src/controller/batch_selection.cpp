@@ -24,10 +24,10 @@ QByteArray exportSignature(const ClipItem& clip, const QList<ClipItem>& clips, c
 {
     const EncodeSettings& s = inputs.settings;
     QStringList fields{fileStamp(clip.url),
-                       QString::number(clip.exposure, 'g', 17),
-                       QString::number(clip.contrast, 'g', 17),
-                       QString::number(clip.saturation, 'g', 17),
-                       QString::number(clip.temperature, 'g', 17),
+                       QString::number(clip.grade.exposure, 'g', 17),
+                       QString::number(clip.grade.contrast, 'g', 17),
+                       QString::number(clip.grade.saturation, 'g', 17),
+                       QString::number(clip.grade.temperature, 'g', 17),
                        QString::number(clip.effectiveInPoint(), 'g', 17),
                        QString::number(clip.effectiveOutPoint(), 'g', 17),
                        inputs.lut.toLocalFile(),

@@ -249,10 +249,10 @@ void AppModel::restoreEdits(const QList<ClipItem>& edited, const QUrl& lut, cons
         ClipItem next = current != clips_.end() ? *current : clip;
         if (current == clips_.end() && next.status == ClipStatus::converting)
             next.status = ClipStatus::ready;
-        next.exposure = clip.exposure;
-        next.contrast = clip.contrast;
-        next.saturation = clip.saturation;
-        next.temperature = clip.temperature;
+        next.grade.exposure = clip.grade.exposure;
+        next.grade.contrast = clip.grade.contrast;
+        next.grade.saturation = clip.grade.saturation;
+        next.grade.temperature = clip.grade.temperature;
         next.inPoint = clip.inPoint;
         next.outPoint = clip.outPoint;
         restored << next;

@@ -10,8 +10,7 @@ namespace {
 
 bool sameClipEdits(const ClipItem& a, const ClipItem& b)
 {
-    return a.id == b.id && a.url == b.url && a.exposure == b.exposure && a.contrast == b.contrast
-           && a.saturation == b.saturation && a.temperature == b.temperature && a.inPoint == b.inPoint
+    return a.id == b.id && a.url == b.url && a.grade == b.grade && a.inPoint == b.inPoint
            && a.outPoint == b.outPoint;
 }
 

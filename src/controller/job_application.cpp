@@ -22,7 +22,8 @@ ConvertJob jobOf(const AppModel& model)
     for (const ClipItem& clip : model.clips()) {
         JobClip entry;
         entry.url = clip.url.toLocalFile();
-        entry.grade = {clip.exposure, clip.contrast, clip.saturation, clip.temperature};
+        for (std::size_t i = 0; i < gradeControls.size(); ++i)
+            entry.grade.*GradeChoice::members[i] = clip.grade.*gradeControls[i].member;
         if (clip.inPoint > 0)
             entry.inPoint = clip.inPoint;
         entry.outPoint = clip.outPoint;

@@ -40,18 +40,16 @@ void SettingsChoice::overrideWith(const SettingsChoice& given)
 
 void GradeChoice::applyTo(ClipItem& clip) const
 {
-    clip.exposure = exposure.value_or(clip.exposure);
-    clip.contrast = contrast.value_or(clip.contrast);
-    clip.saturation = saturation.value_or(clip.saturation);
-    clip.temperature = temperature.value_or(clip.temperature);
+    for (std::size_t i = 0; i < gradeControls.size(); ++i) {
+        double& value = clip.grade.*gradeControls[i].member;
+        value = (this->*members[i]).value_or(value);
+    }
 }
 
 void GradeChoice::overrideWith(const GradeChoice& given)
 {
-    tavrelune::overrideWith(exposure, given.exposure);
-    tavrelune::overrideWith(contrast, given.contrast);
-    tavrelune::overrideWith(saturation, given.saturation);
-    tavrelune::overrideWith(temperature, given.temperature);
+    for (const auto member : members)
+        tavrelune::overrideWith(this->*member, given.*member);
 }
 
 void WatermarkChoice::overrideWith(const WatermarkChoice& given)
@@ -185,8 +183,10 @@ std::optional<Enum> named(const Section& section, const QString& key,
 
 GradeChoice readGrade(const Section& section)
 {
-    return {section.number("exposure", exposureRange), section.number("contrast", contrastRange),
-            section.number("saturation", saturationRange), section.number("temperature", temperatureRange)};
+    GradeChoice grade;
+    for (std::size_t i = 0; i < gradeControls.size(); ++i)
+        grade.*GradeChoice::members[i] = section.number(gradeControls[i].jobKey, gradeControls[i].range);
+    return grade;
 }
 
 SettingsChoice readSettings(const Section& section)
@@ -207,6 +207,14 @@ WatermarkChoice readWatermark(const Section& section, const QString& base)
     return {section.path("url", base, MediaType::isWatermark, "a PNG or SVG file"),
             section.number("x", watermarkPositionRange), section.number("y", watermarkPositionRange),
             section.number("widthFraction", watermarkWidthRange), section.number("opacity", watermarkOpacityRange)};
+}
+
+QStringList clipKeys()
+{
+    QStringList keys{"url", "inPoint", "outPoint"};
+    for (const GradeControl& control : gradeControls)
+        keys << QString::fromLatin1(control.jobKey);
+    return keys;
 }
 
 JobClip readClip(const Section& section, const QString& base)
@@ -321,7 +329,7 @@ ConvertJob parseConvertJob(const QByteArray& json, const QString& baseFolder)
             fail(at, QStringLiteral("expected an object"));
         const JobClip clip = readClip(
             Section(clips[i].toObject(), at,
-                    {"url", "exposure", "contrast", "saturation", "temperature", "inPoint", "outPoint"}),
+                    clipKeys()),
             baseFolder);
         // A second entry would be dropped from the batch as a duplicate and
         // quietly replace the first one's grade and trim.
@@ -385,10 +393,8 @@ QByteArray convertJobText(const ConvertJob& job)
     QJsonArray clips;
     for (const JobClip& clip : job.clips) {
         QJsonObject entry{{"url", clip.url}};
-        put(entry, "exposure", clip.grade.exposure);
-        put(entry, "contrast", clip.grade.contrast);
-        put(entry, "saturation", clip.grade.saturation);
-        put(entry, "temperature", clip.grade.temperature);
+        for (std::size_t i = 0; i < gradeControls.size(); ++i)
+            put(entry, gradeControls[i].jobKey, clip.grade.*GradeChoice::members[i]);
         put(entry, "inPoint", clip.inPoint);
         put(entry, "outPoint", clip.outPoint);
         clips.append(entry);

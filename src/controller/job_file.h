@@ -11,6 +11,7 @@
 #include "model/encode_settings.h"
 
 #include <QList>
+#include <array>
 #include <QString>
 #include <optional>
 
@@ -43,6 +44,12 @@ struct GradeChoice {
     std::optional<double> contrast;
     std::optional<double> saturation;
     std::optional<double> temperature;
+    std::optional<double> tint;
+
+    // This choice's value of each grade control, in gradeControls' order.
+    static constexpr std::array<std::optional<double> GradeChoice::*, gradeControls.size()> members{
+        &GradeChoice::exposure, &GradeChoice::contrast, &GradeChoice::saturation, &GradeChoice::temperature,
+        &GradeChoice::tint};
 
     void applyTo(ClipItem& clip) const;
     void overrideWith(const GradeChoice& given);

@@ -168,8 +168,7 @@ QStringList conversionArguments(const ClipConversion& job, const VideoEncoder& e
             gradeFilters << QStringLiteral("lut3d=file=") + FFmpegService::escapeFilterPath(*job.bakedCube)
                                 + QStringLiteral(":interp=tetrahedral");
     } else {
-        gradeFilters = FFmpegService::gradeFilters(job.lutPath, job.exposure, job.contrast, job.temperature,
-                                                   job.saturation);
+        gradeFilters = FFmpegService::gradeFilters(job.lutPath, job.grade);
     }
     // With a watermark the chain ends in RGB, blended there, and converted after.
     // Fields become whole frames first, at the frame rate (bwdif, on YUV):

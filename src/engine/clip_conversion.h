@@ -22,10 +22,7 @@ struct ClipConversion {
     QString input;
     QString output;  // overwritten if it exists
     std::optional<QString> lutPath;
-    double exposure = 0;
-    double contrast = 1;
-    double temperature = 0;
-    double saturation = 1;
+    GradeValues grade;
     EncodeSettings settings;
     // Length to convert (the trimmed length when trimmed); drives "-t" and
     // progress. 0 when unknown.

@@ -31,6 +31,7 @@
 #include "engine/tool_locator.h"
 #include "engine/video_encoder.h"
 #include "model/encode_settings.h"
+#include "model/grade_values.h"
 #include "model/media_info.h"
 #include "watermark/watermark_settings.h"
 
@@ -127,17 +128,15 @@ public:
 
     // --- Filter graphs (pure) ---
 
-    // The grade chain: 16-bit RGB, exposure, LUT, white balance, contrast and
-    // saturation (each left out when neutral), the size (even sides, or
-    // fitted and padded to a normalization) and `outputPixelFormat`.
-    static QString filterGraph(std::optional<QString> lutPath, double exposure, double contrast,
-                               double temperature, double saturation,
+    // The grade chain: 16-bit RGB, exposure, LUT, white balance (temperature
+    // and tint), contrast and saturation (each left out when neutral by
+    // GradeValues' rules), the size (even sides, or fitted and padded to a
+    // normalization) and `outputPixelFormat`.
+    static QString filterGraph(std::optional<QString> lutPath, const GradeValues& grade,
                                std::optional<VideoNormalization> normalization,
                                const QString& outputPixelFormat);
-    // The grade steps of that chain alone (exposure, LUT, white balance,
-    // contrast and saturation, each left out when neutral).
-    static QStringList gradeFilters(const std::optional<QString>& lutPath, double exposure, double contrast,
-                                    double temperature, double saturation);
+    // The grade steps of that chain alone.
+    static QStringList gradeFilters(const std::optional<QString>& lutPath, const GradeValues& grade);
     // The size steps of every chain: even sides, or the picture (shown at
     // `pictureWidth` x `pictureHeight`) fitted into a normalization's frame
     // at `partPicture`, bars around it, square pixels and the frame rate.

@@ -11,66 +11,57 @@ namespace tavrelune {
 
 namespace {
 
-// Changes smaller than these are invisible and are left out of the graph,
-// which keeps neutral grades cheap.
-constexpr double gradeEpsilon = 0.001;
-constexpr double temperatureEpsilon = 0.5;
-// The temperature that moves colorbalance to its full range.
-constexpr double temperatureFullScale = 250;
-
-// A value at a threshold leaves its filter out. Slider values are decimal,
-// and 1 - 0.999 comes out a hair above 0.001 in binary, so allow for that.
-bool beyond(double magnitude, double threshold)
-{
-    return magnitude > threshold + 1e-9;
-}
-
 QString gradeValue(double value)
 {
     return fixedDecimal(value, 4);
 }
 
-QString colorBalance(double temperature)
+// Temperature moves red and blue apart in every range; tint moves green
+// against both (less green is magenta), as the preview's gains do.
+QString colorBalance(const GradeValues& grade)
 {
-    const double shift = std::clamp(temperature / temperatureFullScale, -1.0, 1.0);
-    const QString warm = gradeValue(shift);
-    const QString cool = gradeValue(-shift);
-    return QStringLiteral("colorbalance=rs=%1:rm=%1:rh=%1:bs=%2:bm=%2:bh=%2").arg(warm, cool);
+    QStringList terms;
+    if (grade.temperatureActs()) {
+        const QString warm = gradeValue(grade.whiteBalanceShift());
+        const QString cool = gradeValue(-grade.whiteBalanceShift());
+        terms << QStringLiteral("rs=%1:rm=%1:rh=%1:bs=%2:bm=%2:bh=%2").arg(warm, cool);
+    }
+    if (grade.tintActs())
+        terms << QStringLiteral("gs=%1:gm=%1:gh=%1").arg(gradeValue(-grade.tintShift()));
+    return QStringLiteral("colorbalance=") + terms.join(QLatin1Char(':'));
 }
 
 }  // namespace
 
-QStringList FFmpegService::gradeFilters(const std::optional<QString>& lutPath, double exposure, double contrast,
-                                        double temperature, double saturation)
+QStringList FFmpegService::gradeFilters(const std::optional<QString>& lutPath, const GradeValues& grade)
 {
     QStringList filters;
-    if (beyond(std::abs(exposure), gradeEpsilon))
-        filters << QStringLiteral("exposure=exposure=") + gradeValue(exposure);
+    if (grade.exposureActs())
+        filters << QStringLiteral("exposure=exposure=") + gradeValue(grade.exposure);
     if (lutPath && !lutPath->isEmpty())
         filters << QStringLiteral("lut3d=file=") + escapeFilterPath(*lutPath)
                        + QStringLiteral(":interp=tetrahedral");
-    if (beyond(std::abs(temperature), temperatureEpsilon))
-        filters << colorBalance(temperature);
+    if (grade.whiteBalanceActs())
+        filters << colorBalance(grade);
 
     QStringList eq;
-    if (beyond(std::abs(contrast - 1), gradeEpsilon))
-        eq << QStringLiteral("contrast=") + gradeValue(contrast);
-    if (beyond(std::abs(saturation - 1), gradeEpsilon))
-        eq << QStringLiteral("saturation=") + gradeValue(std::clamp(saturation, 0.0, 3.0));
+    if (grade.contrastActs())
+        eq << QStringLiteral("contrast=") + gradeValue(grade.contrast);
+    if (grade.saturationActs())
+        eq << QStringLiteral("saturation=") + gradeValue(std::clamp(grade.saturation, 0.0, 3.0));
     if (!eq.isEmpty())
         filters << QStringLiteral("eq=") + eq.join(QLatin1Char(':'));
     return filters;
 }
 
-QString FFmpegService::filterGraph(std::optional<QString> lutPath, double exposure, double contrast,
-                                   double temperature, double saturation,
+QString FFmpegService::filterGraph(std::optional<QString> lutPath, const GradeValues& grade,
                                    std::optional<VideoNormalization> normalization,
                                    const QString& outputPixelFormat)
 {
     // 16-bit RGB throughout the grade, so the LUT and the adjustments do not
     // band; the output format converts once at the end.
     QStringList filters{QStringLiteral("format=gbrp16le")};
-    filters << gradeFilters(lutPath, exposure, contrast, temperature, saturation);
+    filters << gradeFilters(lutPath, grade);
     filters << sizeFilters(normalization);
     filters << QStringLiteral("format=") + outputPixelFormat;
     return filters.join(QLatin1Char(','));

@@ -40,8 +40,10 @@ QString fileName(const GradeValues& grade, const std::optional<CubeLUT>& lut)
 {
     QCryptographicHash hash(QCryptographicHash::Sha256);
     hash.addData(QByteArrayView(hashVersion));
-    for (const double value : {grade.exposure, grade.contrast, grade.saturation, grade.temperature})
+    for (const GradeControl& control : gradeControls) {
+        const double value = grade.*control.member;
         hash.addData(QByteArrayView(reinterpret_cast<const char*>(&value), sizeof value));
+    }
     if (lut && lut->isValid()) {
         const std::int64_t size = lut->size;
         hash.addData(QByteArrayView(reinterpret_cast<const char*>(&size), sizeof size));

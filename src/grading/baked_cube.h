@@ -13,7 +13,7 @@
 #pragma once
 
 #include "grading/cube_lut.h"
-#include "grading/grade_values.h"
+#include "model/grade_values.h"
 
 #include <QByteArray>
 #include <QString>

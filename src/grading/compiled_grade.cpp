@@ -51,7 +51,7 @@ ColourMatrix afterCubeMatrix(const GradeValues& grade)
     ColourMatrix matrix;
     if (grade.whiteBalanceActs()) {
         const double k = grade.whiteBalanceShift();
-        matrix = matrix.then(scaling(1 + k, 1, 1 - k));
+        matrix = matrix.then(scaling(1 + k, 1 - grade.tintShift(), 1 - k));
     }
     if (grade.contrastActs()) {
         const double c = grade.contrast;

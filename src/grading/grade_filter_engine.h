@@ -14,7 +14,7 @@
 #include "grading/compiled_grade.h"
 #include "grading/cube_lut.h"
 #include "grading/grade_kernels.h"
-#include "grading/grade_values.h"
+#include "model/grade_values.h"
 
 #include <optional>
 #include <vector>

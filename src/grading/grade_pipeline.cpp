@@ -44,6 +44,7 @@ Colour apply(Colour c, const GradeValues& grade, const std::optional<CubeLUT>& l
     if (grade.whiteBalanceActs()) {
         const double k = grade.whiteBalanceShift();
         c.red *= 1 + k;
+        c.green *= 1 - grade.tintShift();
         c.blue *= 1 - k;
     }
     if (grade.contrastActs()) {

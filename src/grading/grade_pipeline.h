@@ -4,8 +4,8 @@
 // Stages, in order, each left out when neutral (see GradeValues):
 //   1. exposure: every channel × 2^exposure;
 //   2. LUT: trilinear lookup in the cube, inputs clamped to 0…1;
-//   3. white balance: red × (1 + k), blue × (1 − k), k = temperature / 250
-//      limited to ±1;
+//   3. white balance: red × (1 + k), green × (1 − m), blue × (1 − k),
+//      k = temperature / 250 and m = tint / 250, each limited to ±1;
 //   4. contrast: c × value + (1 − c) × 0.5 on every channel;
 //   5. saturation: Y + s × (value − Y), Y the Rec. 709 luminance.
 // Arithmetic is double precision with no clamping between stages; the one
@@ -15,7 +15,7 @@
 
 #include "grading/bgra_pixels.h"
 #include "grading/cube_lut.h"
-#include "grading/grade_values.h"
+#include "model/grade_values.h"
 
 #include <cstdint>
 #include <optional>

@@ -14,29 +14,33 @@ bool sameValue(double a, double b)
     return a == b || (std::isnan(a) && std::isnan(b));
 }
 
+bool sameValues(const GradeValues& a, const GradeValues& b)
+{
+    for (const GradeControl& control : gradeControls)
+        if (!sameValue(a.*control.member, b.*control.member))
+            return false;
+    return true;
+}
+
 }  // namespace
 
 LiveGrade::LiveGrade(QObject* parent) : QObject(parent) {}
 
-void LiveGrade::update(double& field, double value, void (LiveGrade::*changed)(double))
+void LiveGrade::setValue(double GradeValues::*member, double value)
 {
-    if (sameValue(field, value))
+    GradeValues next = values_;
+    next.*member = value;
+    setValues(next);
+}
+
+void LiveGrade::setValues(const GradeValues& values)
+{
+    if (sameValues(values_, values))
         return;
-    field = value;
-    Q_EMIT(this->*changed)(value);
+    values_ = values;
+    Q_EMIT valuesChanged();
 }
 
-void LiveGrade::setExposure(double value) { update(values_.exposure, value, &LiveGrade::exposureChanged); }
-void LiveGrade::setContrast(double value) { update(values_.contrast, value, &LiveGrade::contrastChanged); }
-void LiveGrade::setSaturation(double value) { update(values_.saturation, value, &LiveGrade::saturationChanged); }
-void LiveGrade::setTemperature(double value) { update(values_.temperature, value, &LiveGrade::temperatureChanged); }
-
-void LiveGrade::copyFrom(const ClipItem& clip)
-{
-    setExposure(clip.exposure);
-    setContrast(clip.contrast);
-    setSaturation(clip.saturation);
-    setTemperature(clip.temperature);
-}
+void LiveGrade::copyFrom(const ClipItem& clip) { setValues(clip.grade); }
 
 }  // namespace tavrelune

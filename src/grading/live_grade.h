@@ -1,11 +1,12 @@
-// The four adjustment values of the selected clip while the user edits them.
+// The grade of the selected clip while the user edits it: one value per
+// grade control (gradeControls()).
 //
-// Main thread only. Each value notifies its change signal when it changes
-// (assigning the same value again is silent), so views and the controller
-// can follow the sliders. Owned by the controller.
+// Main thread only. A change notifies valuesChanged (assigning the same
+// value again is silent), so views and the controller can follow the
+// sliders. Owned by the controller.
 #pragma once
 
-#include "grading/grade_values.h"
+#include "model/grade_values.h"
 
 #include <QObject>
 
@@ -15,38 +16,33 @@ struct ClipItem;
 
 class LiveGrade : public QObject {
     Q_OBJECT
-    Q_PROPERTY(double exposure READ exposure WRITE setExposure NOTIFY exposureChanged)
-    Q_PROPERTY(double contrast READ contrast WRITE setContrast NOTIFY contrastChanged)
-    Q_PROPERTY(double saturation READ saturation WRITE setSaturation NOTIFY saturationChanged)
-    Q_PROPERTY(double temperature READ temperature WRITE setTemperature NOTIFY temperatureChanged)
 
 public:
     explicit LiveGrade(QObject* parent = nullptr);
+
+    GradeValues values() const { return values_; }
+    double value(double GradeValues::*member) const { return values_.*member; }
+    void setValue(double GradeValues::*member, double value);
+    // Every control of `values`, notifying once when any changed.
+    void setValues(const GradeValues& values);
+    // The clip's grade.
+    void copyFrom(const ClipItem& clip);
 
     double exposure() const { return values_.exposure; }
     double contrast() const { return values_.contrast; }
     double saturation() const { return values_.saturation; }
     double temperature() const { return values_.temperature; }
-    GradeValues values() const { return values_; }
-
-    void setExposure(double value);
-    void setContrast(double value);
-    void setSaturation(double value);
-    void setTemperature(double value);
-
-    // Takes exposure, contrast, saturation and temperature from the clip, in
-    // that order, each notifying as its setter does.
-    void copyFrom(const ClipItem& clip);
+    double tint() const { return values_.tint; }
+    void setExposure(double value) { setValue(&GradeValues::exposure, value); }
+    void setContrast(double value) { setValue(&GradeValues::contrast, value); }
+    void setSaturation(double value) { setValue(&GradeValues::saturation, value); }
+    void setTemperature(double value) { setValue(&GradeValues::temperature, value); }
+    void setTint(double value) { setValue(&GradeValues::tint, value); }
 
 Q_SIGNALS:
-    void exposureChanged(double exposure);
-    void contrastChanged(double contrast);
-    void saturationChanged(double saturation);
-    void temperatureChanged(double temperature);
+    void valuesChanged();
 
 private:
-    void update(double& field, double value, void (LiveGrade::*changed)(double));
-
     GradeValues values_;
 };
 

@@ -31,8 +31,7 @@ void PreviewGrader::setSourceImage(const QImage& image)
 
 bool PreviewGrader::isIdentity(const GradeValues& grade)
 {
-    return std::abs(grade.exposure) < 0.0005 && std::abs(grade.contrast - 1) < 0.0005
-        && std::abs(grade.saturation - 1) < 0.0005 && std::abs(grade.temperature) < 0.5;
+    return grade.isNeutral();
 }
 
 std::optional<QImage> PreviewGrader::render(const GradeValues& grade) const

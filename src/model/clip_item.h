@@ -4,6 +4,7 @@
 // sizes pixels. Derived values are computed on every call, never stored.
 #pragma once
 
+#include "model/grade_values.h"
 #include "model/media_info.h"
 
 #include <QByteArray>
@@ -42,10 +43,7 @@ struct ClipItem {
     std::optional<int64_t> audioBitrate;  // bits per second, when the probe learned it
     QList<AudioTrack> audioTracks;  // as probed; empty until then
     ColorTags color;  // as probed; empty until then
-    double exposure = 0;
-    double contrast = 1;
-    double saturation = 1;
-    double temperature = 0;
+    GradeValues grade;
     double inPoint = 0;
     std::optional<double> outPoint;
     double previewFraction = 0.2;

@@ -1,7 +1,7 @@
 #include "ui/adjustments_card.h"
 
 #include "controller/app_model.h"
-#include "grading/grade_values.h"
+#include "model/grade_values.h"
 #include "model/delivery_conversion.h"
 #include "ui/appearance.h"
 #include "ui/small_button.h"
@@ -17,29 +17,10 @@ namespace tavrelune::ui {
 
 namespace {
 
-struct GradeSlider {
-    const char* title;
-    double minimum;
-    double maximum;
-    SliderRow::Format format;
-    void (LiveGrade::*set)(double);
-    double step;  // one arrow-key press
-    double neutral;
-};
-
-QString times(double value) { return QString::asprintf("%.2f", value) + QChar(0x00D7); }
-
-const std::array<GradeSlider, 4>& gradeSliders()
+SliderRow::Format formatFor(const GradeControl& control)
 {
-    static const std::array<GradeSlider, 4> sliders{{
-        {"Exposure", exposureRange.minimum, exposureRange.maximum,
-         [](double v) { return QString::asprintf("%+.2f EV", v); }, &LiveGrade::setExposure, 0.05, 0},
-        {"Contrast", contrastRange.minimum, contrastRange.maximum, times, &LiveGrade::setContrast, 0.01, 1},
-        {"Saturation", saturationRange.minimum, saturationRange.maximum, times, &LiveGrade::setSaturation, 0.01, 1},
-        {"White balance", temperatureRange.minimum, temperatureRange.maximum,
-         [](double v) { return QString::asprintf("%+.0f", v); }, &LiveGrade::setTemperature, 1, 0},
-    }};
-    return sliders;
+    const QByteArray unit(control.unit);
+    return [unit](double value) { return QString::asprintf(unit.constData(), value); };
 }
 
 }  // namespace
@@ -48,7 +29,7 @@ AdjustmentsCard::AdjustmentsCard(AppModel& model, QWidget* parent)
     : InspectorCard(QStringLiteral("Per clip"), parent), model_(model)
 {
     setObjectName(QStringLiteral("adjustmentsCard"));
-    auto* hint = new QLabel(QStringLiteral("Select a clip to set exposure, contrast, saturation, and white balance."));
+    auto* hint = new QLabel(QStringLiteral("Select a clip to set exposure, contrast, saturation, white balance and tint."));
     hint->setWordWrap(true);
     hint->setFont(appearance::subheadline(font()));
     appearance::setTextColor(hint, appearance::secondaryText(palette()));
@@ -75,14 +56,15 @@ AdjustmentsCard::AdjustmentsCard(AppModel& model, QWidget* parent)
     controlColumn->setContentsMargins(0, 0, 0, 0);
     controlColumn->setSpacing(8);
     for (std::size_t i = 0; i < rows_.size(); ++i) {
-        const GradeSlider& spec = gradeSliders()[i];
-        rows_[i] = new SliderRow(QString::fromLatin1(spec.title), spec.minimum, spec.maximum, spec.format);
-        rows_[i]->slider()->setStep(spec.step);
-        rows_[i]->slider()->setDefaultValue(spec.neutral);
+        const GradeControl& control = gradeControls[i];
+        rows_[i] = new SliderRow(QString::fromUtf8(control.label), control.range.minimum, control.range.maximum,
+                                 formatFor(control));
+        rows_[i]->slider()->setStep(control.step);
+        rows_[i]->slider()->setDefaultValue(control.neutral);
         controlColumn->addWidget(rows_[i]);
-        const auto set = spec.set;
-        connect(rows_[i]->slider(), &LiveSlider::valueEdited, this, [this, set](double value) {
-            (model_.liveGrade().*set)(value);
+        const auto member = control.member;
+        connect(rows_[i]->slider(), &LiveSlider::valueEdited, this, [this, member](double value) {
+            model_.liveGrade().setValue(member, value);
             model_.pushLiveGradeToPreview();
         });
         connect(rows_[i]->slider(), &LiveSlider::editingChanged, this, [this](bool editing) {
@@ -91,20 +73,23 @@ AdjustmentsCard::AdjustmentsCard(AppModel& model, QWidget* parent)
         });
     }
 
-    // "Cool" and "Warm" sit right under the white-balance slider.
-    const auto scaleEnd = [this](const QString& text) {
-        auto* label = new QLabel(text);
-        label->setFont(appearance::caption2(font()));
-        appearance::setTextColor(label, appearance::tertiaryText(palette()));
-        return label;
+    // The ends of the white-balance scales sit right under their sliders.
+    const auto scaleEnds = [this](const QString& low, const QString& high) {
+        auto* row = new QWidget;
+        auto* ends = new QHBoxLayout(row);
+        ends->setContentsMargins(0, 0, 0, 0);
+        for (const QString& text : {low, high}) {
+            auto* label = new QLabel(text);
+            label->setFont(appearance::caption2(font()));
+            appearance::setTextColor(label, appearance::tertiaryText(palette()));
+            ends->addWidget(label);
+            if (text == low)
+                ends->addStretch(1);
+        }
+        return row;
     };
-    auto* coolWarm = new QWidget;
-    auto* ends = new QHBoxLayout(coolWarm);
-    ends->setContentsMargins(0, 0, 0, 0);
-    ends->addWidget(scaleEnd(QStringLiteral("Cool")));
-    ends->addStretch(1);
-    ends->addWidget(scaleEnd(QStringLiteral("Warm")));
-    rows_.back()->addFooter(coolWarm);
+    rowFor(&GradeValues::temperature)->addFooter(scaleEnds(QStringLiteral("Cool"), QStringLiteral("Warm")));
+    rowFor(&GradeValues::tint)->addFooter(scaleEnds(QStringLiteral("Green"), QStringLiteral("Magenta")));
 
     auto* buttons = new QHBoxLayout;
     buttons->setContentsMargins(0, 4, 0, 0);
@@ -123,16 +108,20 @@ AdjustmentsCard::AdjustmentsCard(AppModel& model, QWidget* parent)
     body()->addWidget(hint_);
     body()->addWidget(sliders_);
 
-    const LiveGrade& grade = model_.liveGrade();
-    connect(&grade, &LiveGrade::exposureChanged, this, &AdjustmentsCard::followGrade);
-    connect(&grade, &LiveGrade::contrastChanged, this, &AdjustmentsCard::followGrade);
-    connect(&grade, &LiveGrade::saturationChanged, this, &AdjustmentsCard::followGrade);
-    connect(&grade, &LiveGrade::temperatureChanged, this, &AdjustmentsCard::followGrade);
+    connect(&model_.liveGrade(), &LiveGrade::valuesChanged, this, &AdjustmentsCard::followGrade);
     connect(&model_, &AppModel::selectedClipIDChanged, this, &AdjustmentsCard::followSelection);
     connect(&model_, &AppModel::clipsChanged, this, &AdjustmentsCard::followSelection);
     connect(&model_, &AppModel::isConvertingChanged, this, &AdjustmentsCard::followSelection);
     followSelection();
     followGrade();
+}
+
+SliderRow* AdjustmentsCard::rowFor(double GradeValues::*member) const
+{
+    for (std::size_t i = 0; i < rows_.size(); ++i)
+        if (gradeControls[i].member == member)
+            return rows_[i];
+    return nullptr;
 }
 
 bool AdjustmentsCard::showsSliders() const { return !sliders_->isHidden(); }
@@ -151,10 +140,9 @@ void AdjustmentsCard::followSelection()
 
 void AdjustmentsCard::followGrade()
 {
-    const LiveGrade& grade = model_.liveGrade();
-    const std::array<double, 4> values{grade.exposure(), grade.contrast(), grade.saturation(), grade.temperature()};
+    const GradeValues values = model_.liveGrade().values();
     for (std::size_t i = 0; i < rows_.size(); ++i)
-        rows_[i]->setValue(values[i]);
+        rows_[i]->setValue(values.*gradeControls[i].member);
 }
 
 }  // namespace tavrelune::ui

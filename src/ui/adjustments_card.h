@@ -1,4 +1,5 @@
-// The "Per clip" card: the selected clip's four grade sliders bound to the
+// The "Per clip" card: the selected clip's grade sliders (one per grade
+// control, in gradeControls' order) bound to the
 // controller's live grade, with Reset and Apply to all clips; only a hint
 // while no clip is selected.
 //
@@ -7,6 +8,7 @@
 // which must outlive it.
 #pragma once
 
+#include "model/grade_values.h"
 #include "ui/inspector_card.h"
 
 #include <array>
@@ -27,8 +29,10 @@ public:
     explicit AdjustmentsCard(AppModel& model, QWidget* parent = nullptr);
 
     bool showsSliders() const;
-    // Exposure, contrast, saturation, white balance.
-    const std::array<SliderRow*, 4>& rows() const { return rows_; }
+    using Rows = std::array<SliderRow*, gradeControls.size()>;
+    // In gradeControls' order.
+    const Rows& rows() const { return rows_; }
+    SliderRow* rowFor(double GradeValues::*member) const;
 
 private:
     void followSelection();
@@ -40,7 +44,7 @@ private:
     QLabel* colourNote_ = nullptr;
     QLabel* clipName_;
     QWidget* controls_;
-    std::array<SliderRow*, 4> rows_{};
+    Rows rows_{};
 };
 
 }  // namespace tavrelune::ui

@@ -9,8 +9,7 @@ namespace tavrelune::ui {
 
 bool carriesGrade(const ClipItem& clip)
 {
-    return std::abs(clip.exposure) >= 0.0005 || std::abs(clip.contrast - 1) >= 0.0005
-           || std::abs(clip.saturation - 1) >= 0.0005 || std::abs(clip.temperature) >= 0.5;
+    return !clip.grade.isNeutral();
 }
 
 QString durationText(const ClipItem& clip, TimeStyle style)
@@ -27,14 +26,16 @@ QString adjustmentLabel(const ClipItem& clip)
 {
     const QChar times(0x00D7);
     QStringList parts;
-    if (std::abs(clip.exposure) > 0.01)
-        parts << QString::asprintf("%+.1f EV", clip.exposure);
-    if (std::abs(clip.contrast - 1) > 0.01)
-        parts << QString::asprintf("%.2f", clip.contrast) + times;
-    if (std::abs(clip.saturation - 1) > 0.01)
-        parts << QString::asprintf("Sat %.2f", clip.saturation) + times;
-    if (std::abs(clip.temperature) > 0.5)
-        parts << QString::asprintf("WB %+.0f", clip.temperature);
+    if (std::abs(clip.grade.exposure) > 0.01)
+        parts << QString::asprintf("%+.1f EV", clip.grade.exposure);
+    if (std::abs(clip.grade.contrast - 1) > 0.01)
+        parts << QString::asprintf("%.2f", clip.grade.contrast) + times;
+    if (std::abs(clip.grade.saturation - 1) > 0.01)
+        parts << QString::asprintf("Sat %.2f", clip.grade.saturation) + times;
+    if (clip.grade.temperatureActs())
+        parts << QString::asprintf("WB %+.0f", clip.grade.temperature);
+    if (clip.grade.tintActs())
+        parts << QString::asprintf("Tint %+.0f", clip.grade.tint);
     return parts.join(QStringLiteral(" \u00B7 "));
 }
 

@@ -12,12 +12,11 @@ struct ClipItem;
 
 namespace tavrelune::ui {
 
-// Whether the row shows an adjustment text at all: any value off neutral by
-// at least 0.0005 (temperature: 0.5).
+// Whether the row shows an adjustment text at all: the grade is not neutral.
 bool carriesGrade(const ClipItem& clip);
 
-// "+0.3 EV · 1.20× · Sat 0.80× · WB +12": each value off neutral by more
-// than 0.01 (temperature: 0.5). May be empty for a clip that carriesGrade.
+// "+0.3 EV · 1.20× · Sat 0.80× · WB +12 · Tint -8": each value off neutral
+// by more than 0.01 (temperature and tint: acting). May be empty for a clip that carriesGrade.
 QString adjustmentLabel(const ClipItem& clip);
 
 // The row's length: "0:04", or "0:12 / 0:20" for a trimmed clip (its kept

@@ -7,7 +7,7 @@
 // Aspects are width divided by height.
 #pragma once
 
-#include "grading/grade_values.h"
+#include "model/grade_values.h"
 
 #include <QString>
 #include <QUrl>

@@ -274,7 +274,7 @@ TEST_F(ControllerTest, UnreadableWatermarkStopsTheBatchBeforeTheFirstClip)
 TEST_F(ControllerTest, TheSlidersFollowTheClipTheBatchSelects)
 {
     addAndProbe({clip("a.mov", {.seconds = 0.3, .audio = false}), clip("b.mov", {.seconds = 0.3, .audio = false})});
-    model->updateClip(clipAt(1).id, [](ClipItem& stored) { stored.exposure = -0.5; });
+    model->updateClip(clipAt(1).id, [](ClipItem& stored) { stored.grade.exposure = -0.5; });
     model->liveGrade().setExposure(0.5);  // clip a, selected
 
     convert();
@@ -284,8 +284,8 @@ TEST_F(ControllerTest, TheSlidersFollowTheClipTheBatchSelects)
     EXPECT_TRUE(model->plannedCommands().at(1).arguments.join(" ").contains("exposure=exposure=-0.5000"));
 
     convert();  // only a re-export: no clip is re-graded
-    EXPECT_EQ(clipAt(0).exposure, 0.5);
-    EXPECT_EQ(clipAt(1).exposure, -0.5);
+    EXPECT_EQ(clipAt(0).grade.exposure, 0.5);
+    EXPECT_EQ(clipAt(1).grade.exposure, -0.5);
 }
 
 TEST_F(ControllerTest, ConvertWaitsUntilAStoppedBatchHasWoundDown)

@@ -87,8 +87,8 @@ TEST(BatchPlan, JobTakesTheClipsTrimGradeAndFallbackSize)
     ClipItem clip = probedClip(std::nullopt, 720, 24, false);
     clip.inPoint = 2.25;
     clip.outPoint = 6;
-    clip.exposure = 0.5;
-    clip.temperature = 30;
+    clip.grade.exposure = 0.5;
+    clip.grade.temperature = 30;
     const BatchPlan plan = planBatch({clip}, EncodeSettings{});
     const ClipConversion job = conversionFor(clip, plan, "/out/a_graded.mp4", QString("/w/active-lut.cube"),
                                              std::nullopt, EncodeSettings{});
@@ -98,8 +98,8 @@ TEST(BatchPlan, JobTakesTheClipsTrimGradeAndFallbackSize)
     EXPECT_TRUE(job.trim);
     EXPECT_EQ(job.width, 1920) << "unknown width: the batch's target";
     EXPECT_EQ(job.height, 720);
-    EXPECT_EQ(job.exposure, 0.5);
-    EXPECT_EQ(job.temperature, 30);
+    EXPECT_EQ(job.grade.exposure, 0.5);
+    EXPECT_EQ(job.grade.temperature, 30);
     EXPECT_FALSE(job.hasAudio);
     EXPECT_EQ(job.lutPath, QString("/w/active-lut.cube"));
 

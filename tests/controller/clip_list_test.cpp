@@ -121,29 +121,29 @@ TEST_F(ControllerTest, SliderValuesAreCommittedToTheClipTheyBelongTo)
     model->liveGrade().setExposure(0.7);
     model->liveGrade().setTemperature(-40);
     model->selectClip(clipAt(1).id);
-    EXPECT_EQ(clipAt(0).exposure, 0.7);
-    EXPECT_EQ(clipAt(0).temperature, -40);
+    EXPECT_EQ(clipAt(0).grade.exposure, 0.7);
+    EXPECT_EQ(clipAt(0).grade.temperature, -40);
     EXPECT_EQ(model->liveGrade().exposure(), 0) << "the newly selected clip's own values";
 
     model->liveGrade().setSaturation(1.4);
     model->selectClip(clipAt(0).id);
     EXPECT_EQ(model->liveGrade().exposure(), 0.7) << "selecting it again shows the stored value";
-    EXPECT_EQ(clipAt(1).saturation, 1.4);
+    EXPECT_EQ(clipAt(1).grade.saturation, 1.4);
 
     model->selectClip(clipAt(1).id);
     model->applyAdjustmentsToAll();
     for (const ClipItem& each : model->clips()) {
-        EXPECT_EQ(each.saturation, 1.4);
-        EXPECT_EQ(each.exposure, 0);
+        EXPECT_EQ(each.grade.saturation, 1.4);
+        EXPECT_EQ(each.grade.exposure, 0);
     }
     EXPECT_EQ(model->statusMessage(), "Adjustments applied to all clips.");
 
     model->selectClip(clipAt(2).id);
     model->liveGrade().setContrast(1.8);
     model->resetAdjustments();
-    EXPECT_EQ(clipAt(2).contrast, 1);
-    EXPECT_EQ(clipAt(2).saturation, 1);
-    EXPECT_EQ(clipAt(0).saturation, 1.4) << "other clips keep their grade";
+    EXPECT_EQ(clipAt(2).grade.contrast, 1);
+    EXPECT_EQ(clipAt(2).grade.saturation, 1);
+    EXPECT_EQ(clipAt(0).grade.saturation, 1.4) << "other clips keep their grade";
 }
 
 TEST_F(ControllerTest, ChoosersAskWithTheirMessagesAndCancellingChangesNothing)

@@ -16,10 +16,10 @@ TEST_F(ControllerTest, EveryEditUndoesAndRedoesAsOneStep)
     const QUuid a = clipAt(0).id;
     const QUuid b = clipAt(1).id;
 
-    model->updateClip(a, [](ClipItem& clip) { clip.exposure = 0.5; });
+    model->updateClip(a, [](ClipItem& clip) { clip.grade.exposure = 0.5; });
     history.beginGesture();  // a drag: many changes, one step
     for (double contrast : {1.1, 1.2, 1.3})
-        model->updateClip(b, [contrast](ClipItem& clip) { clip.contrast = contrast; });
+        model->updateClip(b, [contrast](ClipItem& clip) { clip.grade.contrast = contrast; });
     history.endGesture();
     model->moveClips({1}, 0);
     model->removeClip(a);
@@ -45,16 +45,16 @@ TEST_F(ControllerTest, EveryEditUndoesAndRedoesAsOneStep)
     history.undo();  // the move
     EXPECT_EQ(ids(), (QList<QUuid>{a, b}));
     history.undo();  // the whole drag
-    EXPECT_EQ(clipAt(1).contrast, 1.0);
+    EXPECT_EQ(clipAt(1).grade.contrast, 1.0);
     history.undo();
-    EXPECT_EQ(clipAt(0).exposure, 0.0);
+    EXPECT_EQ(clipAt(0).grade.exposure, 0.0);
     EXPECT_EQ(model->liveGrade().exposure(), 0.0) << "the sliders follow the selected clip";
 
     history.redo();
     history.redo();
-    EXPECT_EQ(clipAt(0).exposure, 0.5);
-    EXPECT_EQ(clipAt(1).contrast, 1.3);
-    model->updateClip(a, [](ClipItem& clip) { clip.saturation = 0.2; });
+    EXPECT_EQ(clipAt(0).grade.exposure, 0.5);
+    EXPECT_EQ(clipAt(1).grade.contrast, 1.3);
+    model->updateClip(a, [](ClipItem& clip) { clip.grade.saturation = 0.2; });
     EXPECT_FALSE(history.canRedo()) << "a new edit drops what could be redone";
 
     const qsizetype steps = [&] {

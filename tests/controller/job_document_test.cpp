@@ -21,8 +21,8 @@ TEST_F(ControllerTest, ASavedJobOpensAsItWasAndRunsOnTheCommandLine)
     QImage(40, 20, QImage::Format_ARGB32).save(logo);
     addAndProbe({a, b, lut, logo});
     model->updateClip(clipAt(1).id, [](ClipItem& clip) {
-        clip.exposure = 0.4;
-        clip.temperature = -20;
+        clip.grade.exposure = 0.4;
+        clip.grade.temperature = -20;
         clip.inPoint = 0.25;
         clip.outPoint = 0.75;
     });
@@ -45,14 +45,14 @@ TEST_F(ControllerTest, ASavedJobOpensAsItWasAndRunsOnTheCommandLine)
     EXPECT_EQ(dryRun.out.count("# output: "), 2);
 
     // Changed, then opened again with one clip gone: the rest comes back.
-    model->updateClip(clipAt(0).id, [](ClipItem& clip) { clip.saturation = 0.5; });
+    model->updateClip(clipAt(0).id, [](ClipItem& clip) { clip.grade.saturation = 0.5; });
     EXPECT_TRUE(document.isModified());
     model->clearWatermark();
     QFile::remove(a);
     waitForTask(document.open(path));
     ASSERT_EQ(model->clips().size(), 1);
     EXPECT_EQ(clipAt(0).url.toLocalFile(), b);
-    EXPECT_EQ(clipAt(0).exposure, 0.4);
+    EXPECT_EQ(clipAt(0).grade.exposure, 0.4);
     EXPECT_EQ(clipAt(0).effectiveOutPoint(), 0.75);
     EXPECT_EQ(model->lutURL().toLocalFile(), lut);
     EXPECT_EQ(model->watermark().widthFraction, 0.3);

@@ -71,7 +71,7 @@ TEST(JobFile, EachMistakeNamesItsKey)
         QByteArray json = goodJob;
         ASSERT_TRUE(json.contains(c.from)) << c.from;
         json.replace(json.indexOf(c.from), qstrlen(c.from), c.to);
-        EXPECT_EQ(test::jobMessageFor(json), c.message) << "edit: " << c.to;
+        EXPECT_EQ(test::jobMessageFor(json), QString::fromUtf8(c.message)) << "edit: " << c.to;
     }
     EXPECT_EQ(test::jobMessageFor("[]"), "expected a JSON object at the top");
 }

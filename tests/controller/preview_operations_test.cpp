@@ -53,7 +53,7 @@ TEST_F(PreviewTest, PlayableClipOpensLiveAtTheRememberedPlayheadInsideItsWindow)
     EXPECT_EQ(clipAt(0).previewFraction, 0.5 / duration);
 
     // The next clip opens where this one's playhead stands, with its grade.
-    model->updateClip(clipAt(1).id, [](ClipItem& clip) { clip.exposure = 0.5; });
+    model->updateClip(clipAt(1).id, [](ClipItem& clip) { clip.grade.exposure = 0.5; });
     model->selectClip(clipAt(1).id);
     EXPECT_NEAR(clipAt(1).previewFraction, 0.5 / *clipAt(1).duration, 1e-9);
     EXPECT_EQ(model->clock().seconds(), 0.5);
@@ -159,7 +159,7 @@ TEST_F(PreviewTest, ANewlySelectedClipsGradeIsInForceBeforeItsFirstFrame)
 {
     addAndProbe({clip("a.mp4", previewClip(0.5)), clip("b.mp4", previewClip(0.5))});
     ASSERT_TRUE(settled());
-    model->updateClip(clipAt(1).id, [](ClipItem& stored) { stored.exposure = 1.5; });
+    model->updateClip(clipAt(1).id, [](ClipItem& stored) { stored.grade.exposure = 1.5; });
     int redraws = 0;
     model->previewPlayer().onNeedsRedraw = [&redraws] { ++redraws; };
     const QUuid loadBefore = model->previewPlayer().loadID();

@@ -32,9 +32,9 @@ QString encoding(VideoCodec codec, const QString& bitrate)
          + softwareEncoder(codec).options.join(' ') + " -pix_fmt yuv420p";
 }
 
-QString graph(double exposure, double contrast, double temperature, double saturation)
+QString graph(double exposure, double contrast, double temperature, double saturation, double tint = 0)
 {
-    return FFmpegService::filterGraph(std::nullopt, exposure, contrast, temperature, saturation,
+    return FFmpegService::filterGraph(std::nullopt, {exposure, contrast, saturation, temperature, tint},
                                       std::nullopt, "yuv420p");
 }
 
@@ -155,10 +155,13 @@ TEST(ConversionArguments, ProgressConcatListAndStillSeek)
 TEST(FilterGraph, AdjustmentsAppearOnlyPastTheirThresholds)
 {
     const QString in = "format=gbrp16le,", out = ",crop=trunc(iw/2)*2:trunc(ih/2)*2:0:0,format=yuv420p";
-    EXPECT_EQ(graph(0.001, 1.001, 0.5, 0.999), in.chopped(1) + out);
+    EXPECT_EQ(graph(0.0005, 1.0005, 0.5, 0.9995, -0.5), in.chopped(1) + out) << "at the thresholds";
     EXPECT_EQ(graph(0.5, 1.1, 50, 1.2), in + "exposure=exposure=0.5000,colorbalance=rs=0.2000:rm=0.2000:"
               "rh=0.2000:bs=-0.2000:bm=-0.2000:bh=-0.2000,eq=contrast=1.1000:saturation=1.2000" + out);
     EXPECT_EQ(graph(-0.0011, 1, 0, 1), in + "exposure=exposure=-0.0011" + out);
+    EXPECT_EQ(graph(0, 1, 0, 1, 25), in + "colorbalance=gs=-0.1000:gm=-0.1000:gh=-0.1000" + out);
+    EXPECT_EQ(graph(0, 1, 50, 1, -50), in + "colorbalance=rs=0.2000:rm=0.2000:rh=0.2000:bs=-0.2000:bm=-0.2000:"
+              "bh=-0.2000:gs=0.2000:gm=0.2000:gh=0.2000" + out);
     // Temperature and saturation are held to what their filters take.
     EXPECT_EQ(graph(0, 1, -600, 5), in + "colorbalance=rs=-1.0000:rm=-1.0000:rh=-1.0000:bs=1.0000:bm=1.0000:"
               "bh=1.0000,eq=saturation=3.0000" + out);
@@ -166,8 +169,8 @@ TEST(FilterGraph, AdjustmentsAppearOnlyPastTheirThresholds)
 
 TEST(FilterGraph, LutNormalizationAndEscaping)
 {
-    EXPECT_EQ(FFmpegService::filterGraph(QString(""), 0, 1, 0, 1, std::nullopt, "yuv420p"), graph(0, 1, 0, 1));
-    EXPECT_EQ(FFmpegService::filterGraph(R"(C:\l,u't[1];é.cube)", 0, 1, 0, 1,
+    EXPECT_EQ(FFmpegService::filterGraph(QString(""), {}, std::nullopt, "yuv420p"), graph(0, 1, 0, 1));
+    EXPECT_EQ(FFmpegService::filterGraph(R"(C:\l,u't[1];é.cube)", {},
                                          VideoNormalization{1280, 720, 29.97002997, true}, "gbrp16le"),
               R"(format=gbrp16le,lut3d=file=C\:\\l\,u\'t\[1\]\;é.cube:interp=tetrahedral,)"
               "scale=1280:720:force_original_aspect_ratio=decrease,pad=1280:720:(ow-iw)/2:(oh-ih)/2,"

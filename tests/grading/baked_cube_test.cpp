@@ -32,10 +32,10 @@ TEST(BakedCube, LooksUpWhatTheLiveGradeShows)
     for (std::uint8_t& byte : source)
         byte = static_cast<std::uint8_t>(random() & 0xFF);
     const std::pair<GradeValues, std::optional<CubeLUT>> cases[] = {
-        {{.exposure = 0.3, .contrast = 1.1, .saturation = 1.2, .temperature = 30}, std::nullopt},
+        {{.exposure = 0.3, .contrast = 1.1, .saturation = 1.2, .temperature = 30, .tint = -20}, std::nullopt},
         {{.exposure = -2.5, .contrast = 0.2, .saturation = 2.8, .temperature = -400}, std::nullopt},
         {{.contrast = 1.2, .saturation = 0.8}, smoothLook(17)},
-        {{.exposure = 0.4, .temperature = -50}, smoothLook(33)},  // the cube's points off the baked grid
+        {{.exposure = 0.4, .temperature = -50, .tint = 35}, smoothLook(33)},  // the cube's points off the baked grid
     };
     GradeFilterEngine live;
     for (const auto& [grade, lut] : cases) {

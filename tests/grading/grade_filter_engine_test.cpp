@@ -59,6 +59,7 @@ GradeValues randomGrade(std::mt19937& random)
         .contrast = pick({1, 1.0005, 0.9995, 1.0006, 0.9994, 0}, 0, 2.5),
         .saturation = pick({1, 1.0005, 0.9995, 1.0006, 0.9994, 0}, 0, 3),
         .temperature = pick({0, 0.5, -0.5, 0.51, -0.51, 250, -250, 600}, -400, 400),
+        .tint = pick({0, 0.5, -0.5, 0.51, -0.51, 250, -250, -600}, -400, 400),
     };
 }
 
@@ -66,6 +67,7 @@ std::string describe(const GradeValues& g, const std::optional<CubeLUT>& lut)
 {
     return "exposure " + std::to_string(g.exposure) + " contrast " + std::to_string(g.contrast)
         + " saturation " + std::to_string(g.saturation) + " temperature " + std::to_string(g.temperature)
+        + " tint " + std::to_string(g.tint)
         + " cube " + std::to_string(lut ? lut->size : 0);
 }
 

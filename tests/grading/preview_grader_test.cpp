@@ -36,9 +36,10 @@ TEST(PreviewGrader, RendersOnlyWhenTheGradeOrALUTChangesSomething)
     } cases[] = {
         {"neutral, no LUT", {}, false, false},
         {"just inside every band", {0.00049, 1.00049, 0.99951, 0.49}, false, false},
-        {"exposure exactly 0.0005", {.exposure = 0.0005}, false, true},
-        {"temperature exactly 0.5", {.temperature = 0.5}, false, true},
-        {"not a number", {.saturation = nan}, false, true},
+        {"exposure exactly at its threshold", {.exposure = 0.0005}, false, false},
+        {"tint exactly at its threshold", {.tint = 0.5}, false, false},
+        {"tint past it", {.tint = 0.51}, false, true},
+        {"not a number is neutral", {.saturation = nan}, false, false},
         {"neutral with a LUT", {}, true, true},
     };
     for (const auto& c : cases) {

@@ -14,10 +14,10 @@ TEST(ClipRowDelegate, TheTooltipShowsTheWholeCaptionOnlyWhenTheRowCutsIt)
     ClipItem clip;
     clip.name = "A001.mov";
     clip.duration = 4;
-    clip.exposure = 0.3;
-    clip.contrast = 1.2;
-    clip.saturation = 0.8;
-    clip.temperature = 12;
+    clip.grade.exposure = 0.3;
+    clip.grade.contrast = 1.2;
+    clip.grade.saturation = 0.8;
+    clip.grade.temperature = 12;
     EXPECT_EQ(delegate.cutText(clip, view.font(), 900), "");
     EXPECT_EQ(delegate.cutText(clip, view.font(), 160),
               QString("A001.mov\n0:04 \u00B7 +0.3 EV \u00B7 1.20\u00D7 \u00B7 Sat 0.80\u00D7 \u00B7 WB +12"));

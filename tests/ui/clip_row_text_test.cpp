@@ -9,30 +9,25 @@ using namespace tavrelune;
 TEST(ClipRowText, AdjustmentTextFollowsItsThresholds)
 {
     const struct {
-        double exposure, contrast, saturation, temperature;
+        GradeValues grade;
         bool shown;
         const char* text;
     } cases[] = {
-        {0, 1, 1, 0, false, ""},
-        {0.3, 1, 1, 12, true, "+0.3 EV \u00B7 WB +12"},
-        {0, 1.0, 0.8, 0, true, "Sat 0.80\u00D7"},
-        {-0.5, 1.2, 1, -25, true, "-0.5 EV \u00B7 1.20\u00D7 \u00B7 WB -25"},
-        {0.005, 1, 1, 0, true, ""},          // shown, but too small to name
-        {0.0005, 1, 1, 0, true, ""},         // the showing threshold is inclusive
-        {0.0004, 1, 1, 0.4, false, ""},
-        {0, 1.001, 1, 0, true, ""},
-        {0, 1, 1, 0.5, true, ""},            // temperature: shown at 0.5, named above it
-        {0, 1, 1, 0.51, true, "WB +1"},
-        {0.011, 1.011, 0.989, 0, true, "+0.0 EV \u00B7 1.01\u00D7 \u00B7 Sat 0.99\u00D7"},
+        {{}, false, ""},
+        {{0.3, 1, 1, 12}, true, "+0.3 EV \u00B7 WB +12"},
+        {{0, 1.0, 0.8, 0}, true, "Sat 0.80\u00D7"},
+        {{-0.5, 1.2, 1, -25, 8}, true, "-0.5 EV \u00B7 1.20\u00D7 \u00B7 WB -25 \u00B7 Tint +8"},
+        {{0.005, 1, 1, 0}, true, ""},          // shown, but too small to name
+        {{0.0005, 1, 1, 0.5, -0.5}, false, ""},  // at every threshold: neutral
+        {{0, 1.001, 1, 0}, true, ""},
+        {{0, 1, 1, 0.51}, true, "WB +1"},
+        {{0.011, 1.011, 0.989, 0}, true, "+0.0 EV \u00B7 1.01\u00D7 \u00B7 Sat 0.99\u00D7"},
     };
     for (const auto& each : cases) {
         ClipItem clip;
-        clip.exposure = each.exposure;
-        clip.contrast = each.contrast;
-        clip.saturation = each.saturation;
-        clip.temperature = each.temperature;
-        const std::string label = testing::PrintToString(std::vector<double>{each.exposure, each.contrast,
-                                                                              each.saturation, each.temperature});
+        clip.grade = each.grade;
+        const std::string label = testing::PrintToString(std::vector<double>{
+            each.grade.exposure, each.grade.contrast, each.grade.saturation, each.grade.temperature, each.grade.tint});
         EXPECT_EQ(ui::carriesGrade(clip), each.shown) << label;
         EXPECT_EQ(ui::adjustmentLabel(clip), QString::fromUtf8(each.text)) << label;
     }

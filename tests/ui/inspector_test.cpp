@@ -32,7 +32,7 @@ class InspectorTest : public WindowTest {
 protected:
     ui::Inspector& inspector() { return *window->inspector(); }
     ui::ExportCard& exportCard() { return *inspector().exportCard(); }
-    const std::array<ui::SliderRow*, 4>& gradeRows() { return inspector().adjustmentsCard()->rows(); }
+    const ui::AdjustmentsCard::Rows& gradeRows() { return inspector().adjustmentsCard()->rows(); }
 
     void dragRight(QWidget* slider)
     {
@@ -59,17 +59,18 @@ TEST_F(InspectorTest, PerClipSlidersShowTheLiveGradeAndStoreItWhenADragEnds)
     QStringList shown;
     for (const ui::SliderRow* row : gradeRows())
         shown << row->valueText();
-    EXPECT_EQ(shown, (QStringList{"+0.50 EV", QString("1.20") + QChar(0x00D7), QString("0.80") + QChar(0x00D7), "-25"}));
+    EXPECT_EQ(shown, (QStringList{"+0.50 EV", QString("1.20") + QChar(0x00D7), QString("0.80") + QChar(0x00D7), "-25",
+                                  "+0"}));
 
     dragRight(gradeRows()[3]->slider());
     EXPECT_GT(grade.temperature(), 0) << "every move reaches the live grade";
-    EXPECT_DOUBLE_EQ(clipAt(0).temperature, grade.temperature()) << "the end of the drag stores it";
-    EXPECT_DOUBLE_EQ(clipAt(0).exposure, 0.5);
+    EXPECT_DOUBLE_EQ(clipAt(0).grade.temperature, grade.temperature()) << "the end of the drag stores it";
+    EXPECT_DOUBLE_EQ(clipAt(0).grade.exposure, 0.5);
 
     QTest::mouseClick(card.findChild<QPushButton*>(), Qt::LeftButton);  // "Reset"
     EXPECT_EQ(gradeRows()[0]->valueText(), "+0.00 EV");
     EXPECT_NEAR(gradeRows()[0]->slider()->value(), 0, 0.001) << "an idle knob follows outside values";
-    EXPECT_DOUBLE_EQ(clipAt(0).temperature, 0);
+    EXPECT_DOUBLE_EQ(clipAt(0).grade.temperature, 0);
 }
 
 TEST_F(InspectorTest, ATypedValueIsStoredAndEscapeKeepsTheValue)
@@ -87,12 +88,12 @@ TEST_F(InspectorTest, ATypedValueIsStoredAndEscapeKeepsTheValue)
         QTest::keyClick(exposure.valueEditor(), end);
     };
     type("+0.35 EV", Qt::Key_Return);
-    EXPECT_DOUBLE_EQ(clipAt(0).exposure, 0.35);
+    EXPECT_DOUBLE_EQ(clipAt(0).grade.exposure, 0.35);
     EXPECT_EQ(exposure.valueText(), "+0.35 EV");
     type("9", Qt::Key_Return);
-    EXPECT_DOUBLE_EQ(clipAt(0).exposure, 3) << "clamped to the slider's end";
+    EXPECT_DOUBLE_EQ(clipAt(0).grade.exposure, 3) << "clamped to the slider's end";
     type("-1", Qt::Key_Escape);
-    EXPECT_DOUBLE_EQ(clipAt(0).exposure, 3);
+    EXPECT_DOUBLE_EQ(clipAt(0).grade.exposure, 3);
     EXPECT_FALSE(exposure.valueEditor()->isVisible());
 }
 
@@ -274,7 +275,7 @@ TEST_F(InspectorTest, ConvertMakesOnlyWhatChangedSinceAndSaysHowMany)
     EXPECT_FALSE(button.isEnabled());
     EXPECT_TRUE(window->menus()->convertAllAgain()->isEnabled());
 
-    model->updateClip(clipAt(1).id, [](ClipItem& clip) { clip.exposure = 0.5; });
+    model->updateClip(clipAt(1).id, [](ClipItem& clip) { clip.grade.exposure = 0.5; });
     EXPECT_EQ(button.text(), "Convert 1 remaining");
     QTest::mouseClick(&button, Qt::LeftButton);
     waitForTask(model->conversionFinished());

@@ -257,7 +257,7 @@ TEST_F(WindowTest, SavingNamesTheWindowAndQuittingWithChangesAsksFirst)
     EXPECT_FALSE(window->isWindowModified());
     EXPECT_EQ(window->menus()->openRecent()->actions().size(), 1);
 
-    model->updateClip(clipAt(0).id, [](ClipItem& clip) { clip.exposure = 1; });
+    model->updateClip(clipAt(0).id, [](ClipItem& clip) { clip.grade.exposure = 1; });
     EXPECT_TRUE(window->isWindowModified());
     const auto answerWith = [](const QString& button) {
         QTimer::singleShot(0, [button] {
